@@ -1,0 +1,12 @@
+/* Umbrella header: the whole public interface of libsmsutilapi. */
+#ifndef SMSUTIL_H
+#define SMSUTIL_H
+
+#include "smsutil/smsutil_export.h"
+#include "smsutil/wms_ts.h"
+#include "smsutil/sms_api.h"
+#include "smsutil/sms_charset.h"
+#include "smsutil/wms_cdma.h"
+#include "smsutil/ndl_xml.h"
+
+#endif /* SMSUTIL_H */
