@@ -345,6 +345,21 @@ typedef struct wms_raw_tpdu_s {
 #define WMS_SIZEOF_UDH 150
 #define WMS_SIZEOF_GW_USER_DATA 1308
 
+/* ---- Field codecs: BCD helpers and relative durations ---- */
+
+/* Two BCD digits of v (0..99), tens in the high nibble; not range-checked. */
+SMSUTIL_API uint8_t wms_ts_int_to_bcd(uint8_t v);
+/* 1 and the value when both nibbles are 0..9; otherwise 0 and *value = 0. */
+SMSUTIL_API uint8_t wms_ts_bcd_to_int(uint8_t bcd, uint8_t *value);
+/* Digit values of the first count characters ('*' 10, '#' 11); no terminator. */
+SMSUTIL_API void wms_ts_ascii_to_bcd(const char *text, uint8_t count, uint8_t *digits);
+/* Characters of the first count digit values; no terminator. */
+SMSUTIL_API void wms_ts_bcd_to_ascii(const uint8_t *digits, uint8_t count, char *text);
+/* The relative TP-VP octet of a duration held in a wms_timestamp. */
+SMSUTIL_API uint8_t wms_ts_encode_relative_time(const wms_timestamp *duration);
+/* The duration of a relative TP-VP octet; the record is cleared first. */
+SMSUTIL_API void wms_ts_decode_relative_time(uint8_t vp, wms_timestamp *duration);
+
 SMSUTIL_END_DECLS
 
 #endif /* SMSUTIL_WMS_TS_H */

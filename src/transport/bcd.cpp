@@ -1,0 +1,40 @@
+// BCD helpers shared by the time stamp, address and message-API code.
+#include "smsutil/wms_ts.h"
+
+extern "C" {
+
+SMSUTIL_API uint8_t wms_ts_int_to_bcd(uint8_t v)
+{
+    return static_cast<uint8_t>(((v / 10) << 4) + (v % 10));
+}
+
+SMSUTIL_API uint8_t wms_ts_bcd_to_int(uint8_t bcd, uint8_t *value)
+{
+    const uint8_t high = bcd >> 4;
+    const uint8_t low = bcd & 0x0F;
+    if (high > 9 || low > 9) {
+        if (value != nullptr) *value = 0;
+        return 0;
+    }
+    if (value != nullptr) *value = static_cast<uint8_t>(high * 10 + low);
+    return 1;
+}
+
+SMSUTIL_API void wms_ts_ascii_to_bcd(const char *text, uint8_t count, uint8_t *digits)
+{
+    if (text == nullptr || digits == nullptr) return;
+    for (uint8_t i = 0; i < count; ++i) {
+        const char c = text[i];
+        digits[i] = c == '#' ? 11 : c == '*' ? 10 : static_cast<uint8_t>(c - '0');
+    }
+}
+
+SMSUTIL_API void wms_ts_bcd_to_ascii(const uint8_t *digits, uint8_t count, char *text)
+{
+    static constexpr char kDigitChars[16] = {'0', '1', '2', '3', '4', '5', '6', '7',
+                                             '8', '9', '*', '#', 'a', 'b', 'c', ' '};
+    if (text == nullptr || digits == nullptr) return;
+    for (uint8_t i = 0; i < count; ++i) text[i] = kDigitChars[digits[i] & 0x0F];
+}
+
+}  // extern "C"
