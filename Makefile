@@ -1,5 +1,5 @@
 # Thin wrapper over the CMake presets.
-.PHONY: all deps build test asan demo clean
+.PHONY: all deps build test asan arm-test demo clean
 
 all: build
 
@@ -17,6 +17,12 @@ asan: deps
 	cmake --preset asan
 	cmake --build --preset asan
 	ctest --preset asan
+
+arm-test:
+	@scripts/install-deps.sh --with-arm
+	cmake --preset arm
+	cmake --build --preset arm
+	ctest --preset arm
 
 demo: build
 	@if [ -x build/default/tools/smsutil/smsutil ]; then scripts/demo.sh build/default/tools/smsutil/smsutil; \
