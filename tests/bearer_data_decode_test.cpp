@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(
                    WMS_MASK_BD_PRIORITY | WMS_MASK_BD_DISPLAY_MODE,
                    [](const auto &bd) {
                        EXPECT_EQ(bd.priority, 3u);
-                       EXPECT_EQ(bd.display_mode, 1u);
+                       EXPECT_EQ(std::uint32_t{bd.display_mode}, 1u);
                    }},
         DecodeCase{"reply_option", {0x0A, 0x01, 0x40}, 0, WMS_MASK_BD_REPLY_OPTION,
                    [](const auto &bd) {
@@ -296,7 +296,7 @@ void expect_same_fixed_fields(const wms_cdma_bearer_data &got, const wms_cdma_be
     EXPECT_EQ(got.delivery_ack_requested, want.delivery_ack_requested);
     EXPECT_EQ(got.alert_on_delivery, 1);
     EXPECT_EQ(got.language, want.language);
-    EXPECT_EQ(got.display_mode, want.display_mode);
+    EXPECT_EQ(std::uint32_t{got.display_mode}, std::uint32_t{want.display_mode});
 }
 
 void expect_same_callback(const wms_address &got, const wms_address &want)
@@ -441,7 +441,7 @@ void expect_tail_ignored(const wms_raw_tpdu &base)
 {
     wms_raw_tpdu a = base;
     wms_raw_tpdu b = base;
-    const std::size_t used = std::min<std::uint32_t>(base.len, WMS_MAX_LEN);
+    const std::size_t used = std::min<std::size_t>(base.len, WMS_MAX_LEN);
     std::memset(a.data + used, 0x00, WMS_MAX_LEN - used);
     std::memset(b.data + used, 0xFF, WMS_MAX_LEN - used);
     wms_cdma_bearer_data ra = empty_bearer_data();
@@ -464,7 +464,8 @@ TEST(BearerDataDecodeUntrusted, RandomOctetsOfEveryLength)
         raw.len = rng() % 260;
         for (auto &o : raw.data) o = static_cast<std::uint8_t>(rng());
         // Mostly known identifiers with plausible lengths, so the walk goes deep.
-        for (std::size_t i = 0; i + 1 < raw.len && rng() % 8 != 0; i += 2u + raw.data[i + 1]) {
+        const std::size_t used = std::min<std::size_t>(raw.len, WMS_MAX_LEN);
+        for (std::size_t i = 0; i + 1 < used && rng() % 8 != 0; i += 2u + raw.data[i + 1]) {
             raw.data[i] = static_cast<std::uint8_t>(rng() % 17);
             raw.data[i + 1] = static_cast<std::uint8_t>(rng() % 12);
         }

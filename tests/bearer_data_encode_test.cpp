@@ -247,7 +247,7 @@ TEST(BearerDataEncodeLimits, CallbackNeverWritesMoreThan32Digits)
     wms_raw_tpdu raw{};
     ASSERT_EQ(wms_ts_encode_CDMA_bd(&bd, &raw), WMS_TS_STATUS_OK);
     // 1 + 8 + 32 x 4 bits: 137 bits, 18 octets.
-    ASSERT_EQ(raw.len, 20u);
+    ASSERT_EQ(std::uint32_t{raw.len}, 20u);
     EXPECT_EQ(raw.data[1], 18);
     EXPECT_EQ(b_unpackb(raw.data, 16 + 1, 8), 32);
 }
@@ -269,7 +269,7 @@ TEST_P(BearerDataEncodeFailure, StopsWithThisResult)
     GetParam().fill(bd);
     wms_raw_tpdu raw{};
     EXPECT_EQ(wms_ts_encode_CDMA_bd(&bd, &raw), GetParam().status);
-    EXPECT_EQ(raw.len, GetParam().len);
+    EXPECT_EQ(std::uint32_t{raw.len}, GetParam().len);
     for (std::size_t i = raw.len; i < sizeof raw.data; ++i) ASSERT_EQ(raw.data[i], 0) << i;
 }
 
@@ -324,7 +324,7 @@ TEST(BearerDataEncodeLimits, LargestOctetUserDataFits)
     bd.user_data.data_len = 229;
     wms_raw_tpdu raw{};
     ASSERT_EQ(wms_ts_encode_CDMA_bd(&bd, &raw), WMS_TS_STATUS_OK);
-    EXPECT_EQ(raw.len, 2u + 231u);
+    EXPECT_EQ(std::uint32_t{raw.len}, 2u + 231u);
 }
 
 TEST(BearerDataEncodeLimits, NullArgumentsAreRefused)
@@ -333,7 +333,7 @@ TEST(BearerDataEncodeLimits, NullArgumentsAreRefused)
     wms_raw_tpdu raw{};
     raw.len = 9;
     EXPECT_NE(wms_ts_encode_CDMA_bd(nullptr, &raw), WMS_TS_STATUS_OK);
-    EXPECT_EQ(raw.len, 0u);
+    EXPECT_EQ(std::uint32_t{raw.len}, 0u);
     EXPECT_NE(wms_ts_encode_CDMA_bd(&bd, nullptr), WMS_TS_STATUS_OK);
 }
 

@@ -1,6 +1,10 @@
-// Small builders shared by the CDMA codec tests.
+// Small builders shared by the CDMA codec tests.  The records are packed:
+// copy a multi-octet field out (std::uint32_t{raw.len}) before anything
+// takes a reference to it, or it may be misaligned.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -20,7 +24,7 @@ inline wms_raw_tpdu raw_of(const std::vector<std::uint8_t> &octets, std::uint32_
 {
     wms_raw_tpdu raw;
     std::memset(&raw, 0, sizeof raw);
-    std::memcpy(raw.data, octets.data(), std::min<std::size_t>(octets.size(), sizeof raw.data));
+    if (!octets.empty()) std::memcpy(raw.data, octets.data(), std::min<std::size_t>(octets.size(), sizeof raw.data));
     raw.len = len;
     return raw;
 }
@@ -32,14 +36,15 @@ inline wms_raw_tpdu raw_of(const std::vector<std::uint8_t> &octets)
 
 inline std::vector<std::uint8_t> octets_of(const wms_raw_tpdu &raw)
 {
-    return {raw.data, raw.data + std::min<std::uint32_t>(raw.len, sizeof raw.data)};
+    return {raw.data, raw.data + std::min<std::size_t>(raw.len, sizeof raw.data)};
 }
 
 // Identifiers of the subparameters in the order they appear.
 inline std::vector<std::uint8_t> subparameter_ids(const wms_raw_tpdu &raw)
 {
     std::vector<std::uint8_t> ids;
-    for (std::size_t i = 0; i + 1 < raw.len; i += 2u + raw.data[i + 1]) ids.push_back(raw.data[i]);
+    const std::size_t used = std::min<std::size_t>(raw.len, sizeof raw.data);
+    for (std::size_t i = 0; i + 1 < used; i += 2u + raw.data[i + 1]) ids.push_back(raw.data[i]);
     return ids;
 }
 

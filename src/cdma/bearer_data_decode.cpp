@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "cdma/bit_fields.hpp"
@@ -43,13 +44,15 @@ constexpr std::size_t fixed_length(std::uint8_t id)
     }
 }
 
-wms_status_e_type fields(bool read) { return read ? kOk : kMalformed; }
-
-template <typename T>
-wms_status_e_type read_field(Content c, unsigned width, T &out)
+// The one field at the top of a subparameter, handed to `store` when read.
+template <typename Field>
+wms_status_e_type read_only_field(Content c, unsigned width, Field &&store)
 {
     BitReader r(c);
-    return fields(r.read(width, out));
+    const auto v = r.read(width);
+    if (!v) return kMalformed;
+    store(*v);
+    return kOk;
 }
 
 void read_absolute_time(Content c, wms_timestamp &t)
@@ -69,12 +72,18 @@ wms_status_e_type read_user_data(Content c, wms_cdma_user_data &ud)
 {
     BitReader r(c);
     unsigned width = kOctetUnitBits;
-    if (!r.read(kEncodingBits, ud.encoding)) return kMalformed;
-    if (ud.encoding == WMS_ENCODING_IS91EP) {
-        if (!r.read(kIs91TypeBits, ud.is91ep_type)) return kMalformed;
-        width = is91_unit_bits(ud.is91ep_type);
+    const auto encoding = r.read(kEncodingBits);
+    if (!encoding) return kMalformed;
+    ud.encoding = *encoding;
+    if (*encoding == WMS_ENCODING_IS91EP) {
+        const auto type = r.read(kIs91TypeBits);
+        if (!type) return kMalformed;
+        ud.is91ep_type = *type;
+        width = is91_unit_bits(*type);
     }
-    if (!r.read(kNumFieldsBits, ud.num_fields)) return kMalformed;
+    const auto num_fields = r.read(kNumFieldsBits);
+    if (!num_fields) return kMalformed;
+    ud.num_fields = static_cast<std::uint8_t>(*num_fields);
 
     std::size_t units = 0;
     while (!r.at_end()) {
@@ -111,19 +120,27 @@ wms_status_e_type read_user_data(Content c, wms_cdma_user_data &ud)
 wms_status_e_type read_callback(Content c, wms_address &cb)
 {
     BitReader r(c);
-    std::uint8_t chars = 0;
-    if (!r.read(1, chars)) return kMalformed;
-    cb.number_type = 0;
-    cb.number_plan = 0;
-    if (chars && !(r.read(kNumberTypeBits, cb.number_type) && r.read(kNumberPlanBits, cb.number_plan)))
-        return kMalformed;
-    std::uint8_t count = 0;
-    if (!r.read(8, count)) return kMalformed;
+    const auto mode = r.read(1);
+    if (!mode) return kMalformed;
+    const bool chars = *mode == 1;
+    std::optional<std::uint32_t> type = 0;
+    std::optional<std::uint32_t> plan = 0;
+    if (chars) {
+        type = r.read(kNumberTypeBits);
+        plan = r.read(kNumberPlanBits);
+    }
+    const auto count = r.read(8);
+    if (!type || !plan || !count) return kMalformed;
     cb.digit_mode = chars ? WMS_DIGIT_MODE_CHAR : WMS_DIGIT_MODE_BCD;
-    cb.number_of_digits = std::min<std::uint8_t>(count, WMS_CDMA_CALLBACK_MAX_DIGITS);
+    cb.number_type = static_cast<std::uint8_t>(*type);
+    cb.number_plan = static_cast<std::uint8_t>(*plan);
+    cb.number_of_digits = static_cast<std::uint8_t>(std::min<std::uint32_t>(*count, WMS_CDMA_CALLBACK_MAX_DIGITS));
     const unsigned width = chars ? kCharDigitBits : kDtmfDigitBits;
-    for (std::size_t i = 0; i < cb.number_of_digits; ++i)
-        if (!r.read(width, cb.digits[i])) return kMalformed;
+    for (std::size_t i = 0; i < cb.number_of_digits; ++i) {
+        const auto digit = r.read(width);
+        if (!digit) return kMalformed;
+        cb.digits[i] = static_cast<std::uint8_t>(*digit);
+    }
     return kOk;
 }
 
@@ -135,8 +152,12 @@ wms_status_e_type read_subparameter(std::uint8_t id, Content c, wms_cdma_bearer_
     switch (id) {
     case kMessageId: {
         BitReader r(c);
-        return fields(r.read(kMessageTypeBits, bd.message_id.type) &&
-                      r.read(kMessageIdBits, bd.message_id.id_number));
+        const auto type = r.read(kMessageTypeBits);
+        const auto number = r.read(kMessageIdBits);
+        if (!type || !number) return kMalformed;
+        bd.message_id.type = *type;
+        bd.message_id.id_number = *number;
+        return kOk;
     }
     case kUserData: return read_user_data(c, bd.user_data);
     case kUserResponse: bd.user_response = c[0]; return kOk;
@@ -145,11 +166,16 @@ wms_status_e_type read_subparameter(std::uint8_t id, Content c, wms_cdma_bearer_
     case kDeferredAbsolute: read_absolute_time(c, bd.deferred_absolute); return kOk;
     case kValidityRelative: wms_ts_decode_relative_time(c[0], &bd.validity_relative); return kOk;
     case kDeferredRelative: wms_ts_decode_relative_time(c[0], &bd.deferred_relative); return kOk;
-    case kPriority: return read_field(c, kTwoBitFieldBits, bd.priority);
-    case kPrivacy: return read_field(c, kTwoBitFieldBits, bd.privacy);
+    case kPriority: return read_only_field(c, kTwoBitFieldBits, [&](std::uint32_t v) { bd.priority = v; });
+    case kPrivacy: return read_only_field(c, kTwoBitFieldBits, [&](std::uint32_t v) { bd.privacy = v; });
     case kReplyOption: {
         BitReader r(c);
-        return fields(r.read(1, bd.user_ack_requested) && r.read(1, bd.delivery_ack_requested));
+        const auto user_ack = r.read(1);
+        const auto delivery_ack = r.read(1);
+        if (!user_ack || !delivery_ack) return kMalformed;
+        bd.user_ack_requested = static_cast<std::uint8_t>(*user_ack);
+        bd.delivery_ack_requested = static_cast<std::uint8_t>(*delivery_ack);
+        return kOk;
     }
     case kNumberOfMessages:
         bd.num_messages = static_cast<std::uint8_t>(decimal_digit(c[0] >> 4) * 10 + decimal_digit(c[0] & 0x0F));
@@ -157,7 +183,7 @@ wms_status_e_type read_subparameter(std::uint8_t id, Content c, wms_cdma_bearer_
     case kAlertOnDelivery: bd.alert_on_delivery = 1; return kOk;
     case kLanguage: bd.language = c[0]; return kOk;
     case kCallback: return read_callback(c, bd.callback);
-    case kDisplayMode: return read_field(c, kTwoBitFieldBits, bd.display_mode);
+    case kDisplayMode: return read_only_field(c, kTwoBitFieldBits, [&](std::uint32_t v) { bd.display_mode = v; });
     default: return kOk;
     }
 }

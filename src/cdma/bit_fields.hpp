@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace smsutil::cdma {
@@ -56,13 +57,14 @@ public:
     constexpr std::size_t remaining() const { return end_ - pos_; }
     constexpr bool at_end() const { return pos_ >= end_; }
 
-    template <typename T>
-    constexpr bool read(unsigned width, T &out)
+    // The next `width` bits, or nothing.  A value rather than an output
+    // reference: record fields are packed and may sit at any address.
+    constexpr std::optional<std::uint32_t> read(unsigned width)
     {
-        if (width > kMaxFieldBits || width > remaining()) return false;
-        out = static_cast<T>(unpack_bits(data_, pos_, width));
+        if (width > kMaxFieldBits || width > remaining()) return std::nullopt;
+        const std::uint32_t v = unpack_bits(data_, pos_, width);
         pos_ += width;
-        return true;
+        return v;
     }
 
     // Like read, but a field cut short by the end is taken as if zero bits
