@@ -1,6 +1,6 @@
 // Bit fields of up to 16 bits at any bit position of an octet buffer, and
 // the bounded cursors the bearer-data codec reads and writes through.  The
-// raw helpers trust their caller; the cursors check every field against
+// raw functions trust their caller; the cursors check every field against
 // their limit before calling them, so untrusted lengths never reach memory.
 #pragma once
 

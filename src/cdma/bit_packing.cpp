@@ -1,4 +1,4 @@
-// The exported bit-field helpers.  Counts outside a helper's range are
+// The exported bit-field functions.  Counts outside a function's range are
 // brought into it here so the shared core never sees them.
 #include "smsutil/wms_cdma.h"
 
