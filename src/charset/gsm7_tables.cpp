@@ -1,5 +1,7 @@
 // The exported 7-bit code tables and, built from them at compile time, the
 // reverse look-up used when text is turned into 7-bit codes.
+#include <initializer_list>
+
 #include "charset/gsm7_inverse.hpp"
 #include "charset/gsm7_tables.hpp"
 
@@ -149,9 +151,19 @@ constexpr bool main_rows_complete()
     return true;
 }
 
+// Every entry is a UCS-2 unit, so decoding never has to narrow a value.
+constexpr bool all_units()
+{
+    for (const auto *table : {&g_GSM_7BitTable, &g_GSM_7BitExtTable})
+        for (const auto &row : *table)
+            for (std::uint32_t v : row)
+                if (v > 0xFFFF) return false;
+    return true;
+}
+
 // Guards against a slip in the data above: the national rows are the
 // default alphabet with a few well-known replacements.
-static_assert(main_rows_complete());
+static_assert(main_rows_complete() && all_units());
 static_assert(differing_codes(0, 1) == 9);
 static_assert(differing_codes(0, 2) == 1 && g_GSM_7BitTable[2][kEscape] == 0x0020);
 
