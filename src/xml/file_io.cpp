@@ -21,6 +21,9 @@ uint32_t read_file(const char *path, char **out_text)
     std::FILE *file = std::fopen(path, "rb");
     if (file == nullptr) return XML_ERR_OPEN;
     const FileCloser closer{file};
+    // A first byte tells an unreadable file (a directory, say) from an empty
+    // one before its size is trusted.
+    if (std::fgetc(file) == EOF) return std::ferror(file) != 0 ? XML_ERR_READ : XML_ERR_SYNTAX;
     if (std::fseek(file, 0, SEEK_END) != 0) return XML_ERR_READ;
     const long size = std::ftell(file);
     if (size < 0) return XML_ERR_READ;
