@@ -104,7 +104,7 @@ SMSUTIL_API const char *GRV_XML_GetVersion(void);
 
 /* ---- Nodes ---- */
 SMSUTIL_API XML_Node *XML_NewNode(uint32_t kind);
-/* Copy of text, or null for an empty text or a failed allocation. */
+/* Copy of text, or null for a null or empty text or a failed allocation. */
 SMSUTIL_API char *XML_Strdup(const char *text);
 /* Copies the non-empty strings; replaces only those fields.  All or
  * nothing: XML_ERR_NO_MEMORY leaves the node unchanged. */

@@ -55,12 +55,13 @@ extern "C" SMSUTIL_API XML_Node *XML_NewNode(uint32_t kind)
 
 extern "C" SMSUTIL_API char *XML_Strdup(const char *text)
 {
-    return smsutil::xml::copy_bytes(text, std::strlen(text));
+    return text != nullptr ? smsutil::xml::copy_bytes(text, std::strlen(text)) : nullptr;
 }
 
 extern "C" SMSUTIL_API uint32_t XML_SetNode(XML_Node *node, const char *prefix, const char *name,
                                             const char *value)
 {
+    if (node == nullptr) return XML_ERR_PARAM;
     const char *sources[3] = {prefix, name, value};
     char *copies[3] = {nullptr, nullptr, nullptr};
     for (int i = 0; i < 3; ++i) {
