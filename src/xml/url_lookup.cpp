@@ -15,9 +15,13 @@ bool url_name_match(const char *component, const XML_Node *node)
 {
     if (std::strchr(component, ':') != nullptr && node->prefix != nullptr) {
         if (node->name == nullptr) return false;
-        const std::size_t prefix_len = std::strlen(node->prefix);
-        return std::strncmp(component, node->prefix, prefix_len) == 0 && component[prefix_len] == ':' &&
-               std::strcmp(component + prefix_len + 1, node->name) == 0;
+        // First occurrences of both, the name starting right after the
+        // ':' that follows the prefix.
+        const char *prefix_at = std::strstr(component, node->prefix);
+        const char *name_at = std::strstr(component, node->name);
+        if (prefix_at == nullptr || name_at == nullptr) return false;
+        const char *colon = prefix_at + std::strlen(node->prefix);
+        return *colon == ':' && name_at == colon + 1;
     }
     return node->name != nullptr && std::strcmp(component, node->name) == 0;
 }
