@@ -1,0 +1,84 @@
+// 7-bit codes to UTF-8: the lenient conversion used when long texts are
+// cut into packs, and the in-place conversion of a received text.
+#include <cstring>
+
+#include "charset/gsm7_tables.hpp"
+#include "common/trace.hpp"
+
+namespace {
+
+using namespace smsutil::charset;
+
+// 512 units and a zero unit.
+constexpr int32_t kUcs2WorkUnits = 513;
+constexpr uint32_t kMaxUnits = kUcs2WorkUnits - 1;
+// The in-place buffer of a received text.
+constexpr uint32_t kTextBufferSize = 513;
+
+}  // namespace
+
+extern "C" SMSUTIL_API int32_t BIT7_TO_UTF8(const uint8_t *p7Bit, int32_t iInputLen, char *pUTF8, int32_t iBufSize,
+                                            uint32_t coding)
+{
+    SMS_TRACE("iInputLen = [%d]\n", iInputLen);
+    if (iInputLen < 0 || p7Bit == nullptr || pUTF8 == nullptr || iBufSize < 1) {
+        SMS_TRACE("Param error!\n\n");
+        return -1;
+    }
+
+    uint16_t ucs2[kUcs2WorkUnits] = {};
+    uint32_t count = 0;
+    for (int32_t i = 0; i < iInputLen; ++i) {
+        const uint8_t code = p7Bit[i];
+        if (code > kHighestAcceptedCode) {
+            SMS_TRACE("7Bit code error.[%d][%d]\n\n", i, code);
+            return -1;
+        }
+        uint32_t value = 0;
+        if (code == kEscape) {
+            // An escape with nothing after it is dropped: a pack boundary
+            // never splits a pair, so it can only be noise at the end.
+            if (++i >= iInputLen) break;
+            value = gsm7_value(g_GSM_7BitExtTable, coding, p7Bit[i]);
+        } else {
+            value = gsm7_value(g_GSM_7BitTable, coding, code);
+        }
+        // Unlike a received text, a text being cut into packs keeps going
+        // past a code it cannot show.
+        if (value == kNoCharacter) {
+            SMS_TRACE("7Bit code error.[%d][%d]\n\n", i, p7Bit[i]);
+            continue;
+        }
+        if (count >= kMaxUnits) {
+            SMS_TRACE("UCS2 buffer is not enough.[%d][%d]\n\n", i, static_cast<int>(count));
+            return -1;
+        }
+        ucs2[count++] = static_cast<uint16_t>(value);
+    }
+
+    std::memset(pUTF8, 0, static_cast<std::size_t>(iBufSize));
+    if (UCS2_TO_UTF8(ucs2, pUTF8, iBufSize - 1) != 0) {
+        SMS_TRACE("UCS2_TO_UTF8 function run unsuccessfully!\n\n");
+        return -1;
+    }
+    return 0;
+}
+
+extern "C" SMSUTIL_API int32_t handle_input_sms_7bit_to_utf8(uint8_t *pText, uint32_t dwInputLen, uint32_t coding,
+                                                             uint32_t lang_shift, uint32_t *pdwOutputLen)
+{
+    uint16_t ucs2[kUcs2WorkUnits + 1] = {};
+    uint32_t units = 0;
+    if (gsm7_to_unicode(pText, dwInputLen, coding, lang_shift, ucs2, kUcs2WorkUnits, &units) != 0) {
+        SMS_TRACE("gsm7_to_unicode() failed\n\n");
+        return -1;
+    }
+    // The UTF-8 text replaces the codes and keeps its terminator.
+    std::memset(pText, 0, kTextBufferSize);
+    if (UCS2_TO_UTF8(ucs2, reinterpret_cast<char *>(pText), kTextBufferSize - 1) != 0) {
+        SMS_TRACE("UCS2_TO_UTF8() failed\n\n");
+        return -1;
+    }
+    if (pdwOutputLen != nullptr) *pdwOutputLen = static_cast<uint32_t>(std::strlen(reinterpret_cast<char *>(pText)));
+    return 0;
+}

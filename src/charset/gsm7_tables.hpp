@@ -1,0 +1,35 @@
+// Internal view of the 7-bit code tables: their shape and the one bounded
+// way to read an entry.
+#pragma once
+
+#include <cstdint>
+
+#include "smsutil/sms_charset.h"
+
+namespace smsutil::charset {
+
+inline constexpr std::uint32_t kRowCount = GSM7_TABLE_ROWS;
+inline constexpr std::uint32_t kCodeCount = GSM7_TABLE_CODES;
+inline constexpr std::uint8_t kEscape = GSM7_ESCAPE;
+inline constexpr std::uint32_t kNoCharacter = GSM7_NO_CHARACTER;
+// Codes above this are refused as corrupt; 128 itself merely has no
+// character, which callers report differently.
+inline constexpr std::uint32_t kHighestAcceptedCode = 128;
+
+using Gsm7Rows = std::uint32_t[kRowCount][kCodeCount];
+
+// A received text may name a national language we have no table for; it is
+// read through the default row so that the message stays legible.
+constexpr std::uint32_t decoding_row(std::uint32_t coding)
+{
+    return coding < kRowCount ? coding : 0;
+}
+
+// The character of `code` in the row of `coding`, or kNoCharacter for a
+// code past the end of a row.  Never indexes outside the table.
+constexpr std::uint32_t gsm7_value(const Gsm7Rows &table, std::uint32_t coding, std::uint32_t code)
+{
+    return code < kCodeCount ? table[decoding_row(coding)][code] : kNoCharacter;
+}
+
+}  // namespace smsutil::charset

@@ -1,0 +1,110 @@
+// UCS-2 to UTF-8 and back, and the lengths that go with them.
+#include <array>
+#include <cstring>
+
+#include "charset/utf8_sequence.hpp"
+#include "common/octets.hpp"
+#include "common/trace.hpp"
+#include "smsutil/sms_charset.h"
+
+namespace {
+
+using smsutil::charset::utf8_sequence_length;
+using smsutil::common::OctetWriter;
+
+constexpr std::size_t utf8_length_of(uint16_t unit)
+{
+    return unit <= 0x7F ? 1 : unit <= 0x7FF ? 2 : 3;
+}
+
+// Surrogate units get no special treatment: each is a three-byte sequence
+// of its own, since the text model has no pairs.
+bool put_utf8(OctetWriter &out, uint16_t u)
+{
+    if (u <= 0x7F) return out.put(static_cast<uint8_t>(u));
+    if (u <= 0x7FF) {
+        const std::array<uint8_t, 2> seq{static_cast<uint8_t>(0xC0 | (u >> 6)), static_cast<uint8_t>(0x80 | (u & 0x3F))};
+        return out.put(seq);
+    }
+    const std::array<uint8_t, 3> seq{static_cast<uint8_t>(0xE0 | (u >> 12)),
+                                     static_cast<uint8_t>(0x80 | ((u >> 6) & 0x3F)),
+                                     static_cast<uint8_t>(0x80 | (u & 0x3F))};
+    return out.put(seq);
+}
+
+// The unit of one complete sequence of `length` bytes.
+uint16_t decode_utf8(const unsigned char *s, std::size_t length)
+{
+    switch (length) {
+    case 1: return s[0];
+    case 2: return static_cast<uint16_t>(((s[0] & 0x1F) << 6) | (s[1] & 0x3F));
+    default: return static_cast<uint16_t>(((s[0] & 0x0F) << 12) | ((s[1] & 0x3F) << 6) | (s[2] & 0x3F));
+    }
+}
+
+}  // namespace
+
+extern "C" SMSUTIL_API int32_t sms_wcslen(const uint16_t *pUCS2)
+{
+    int32_t n = 0;
+    if (pUCS2 != nullptr)
+        while (pUCS2[n] != 0) ++n;
+    return n;
+}
+
+extern "C" SMSUTIL_API int32_t MultiByte_WideChar(const char *pUTF8)
+{
+    if (pUTF8 == nullptr) return 0;
+    int32_t count = 0;
+    for (std::size_t step; (step = utf8_sequence_length(pUTF8)) != 0; pUTF8 += step) ++count;
+    return count;
+}
+
+extern "C" SMSUTIL_API int32_t UCS2_TO_UTF8(const uint16_t *pUCS2, char *pUTF8, int32_t iBufLen)
+{
+    if (pUCS2 == nullptr || pUTF8 == nullptr) {
+        SMS_TRACE("Param error.\n\n");
+        return -1;
+    }
+    int32_t units = 0;
+    std::size_t bytes = 0;
+    for (; pUCS2[units] != 0; ++units) bytes += utf8_length_of(pUCS2[units]);
+    // Checked up front so that a text that does not fit leaves the
+    // destination untouched rather than cut inside a character.
+    if (units > iBufLen || bytes > static_cast<std::size_t>(iBufLen)) {
+        SMS_TRACE("Space is not enough!.[%d][%d]\n\n", units, iBufLen);
+        return -1;
+    }
+    OctetWriter out(reinterpret_cast<uint8_t *>(pUTF8), bytes);
+    for (int32_t i = 0; i < units; ++i) put_utf8(out, pUCS2[i]);
+    return 0;
+}
+
+extern "C" SMSUTIL_API int32_t UTF8_TO_UCS2(const char *pUTF8, uint8_t *pUCS2, int32_t iBufLen)
+{
+    if (pUTF8 == nullptr || pUCS2 == nullptr) {
+        SMS_TRACE("Param error.\n\n");
+        return -1;
+    }
+    const int32_t count = MultiByte_WideChar(pUTF8);
+    SMS_TRACE("The UCSlen is %d\n\n", count);
+    // Callers size the check in characters but the buffer in bytes, so the
+    // check passes texts that then only partly fit; the writing below stops
+    // at the byte capacity.
+    if (count > iBufLen) {
+        SMS_TRACE("Space is not enough!.[%d][%d]\n\n", count, iBufLen);
+        return -1;
+    }
+    SMS_TRACE("The strlen of *pTempUTF8  is %d\n\n", static_cast<int>(std::strlen(pUTF8)));
+
+    OctetWriter out(pUCS2, static_cast<std::size_t>(iBufLen));
+    const auto *s = reinterpret_cast<const unsigned char *>(pUTF8);
+    for (std::size_t step; (step = utf8_sequence_length(s)) != 0; s += step) {
+        const uint16_t unit = decode_utf8(s, step);
+        // Low byte first, whatever the host's order.
+        const std::array<uint8_t, 2> le{static_cast<uint8_t>(unit & 0xFF), static_cast<uint8_t>(unit >> 8)};
+        if (!out.put(le)) break;
+    }
+    SMS_TRACE("The UCSlen returned is %d\n\n", count);
+    return count;
+}

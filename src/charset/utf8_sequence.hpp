@@ -1,0 +1,33 @@
+// How far one UTF-8 character reaches.  Counting and converting UTF-8
+// anywhere in the library use this one rule, so that a count always
+// matches what a conversion produces.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace smsutil::charset {
+
+inline constexpr std::size_t kMaxUtf8Sequence = 3;
+
+// Length (1 to 3) of the sequence that starts at `text`, or 0 when `text`
+// is at the terminator or the sequence is cut short by it.  Only the lead
+// byte decides: below 0x80 one byte, 0xC0 to 0xDF two, anything else three
+// (four-byte forms are not part of this text model).  Continuation bytes
+// are taken as they come; no byte past the terminator is read.
+constexpr std::size_t utf8_sequence_length(const unsigned char *text)
+{
+    const unsigned char lead = text[0];
+    if (lead == 0) return 0;
+    const std::size_t length = lead < 0x80 ? 1 : (lead >= 0xC0 && lead <= 0xDF) ? 2 : 3;
+    for (std::size_t i = 1; i < length; ++i)
+        if (text[i] == 0) return 0;
+    return length;
+}
+
+inline std::size_t utf8_sequence_length(const char *text)
+{
+    return utf8_sequence_length(reinterpret_cast<const unsigned char *>(text));
+}
+
+}  // namespace smsutil::charset

@@ -1,0 +1,180 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "xml_test_support.hpp"
+
+namespace {
+
+// b with id 7 has no text of its own (mixed content is refused by the
+// parser), so a condition selecting it copies nothing.
+constexpr const char *kDoc =
+    "<a>"
+    "<b id='6'><c>six</c></b>"
+    "<b id='7' name='seven'><c>first c</c><c k='v'><d>deep</d></c><e/></b>"
+    "<b id='8' p:name='prefixed'>eight</b>"
+    "<f>plain</f>"
+    "</a>";
+
+struct KeyCase {
+    const char *name;
+    const char *key;
+    int rc;
+    const char *text;
+};
+
+class KeyLookup : public ::testing::TestWithParam<KeyCase> {};
+
+TEST_P(KeyLookup, SelectsTheText)
+{
+    xmltest::Tree tree = xmltest::parse(kDoc);
+    char out[64];
+    std::memset(out, 'x', sizeof out);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), GetParam().key, out), GetParam().rc) << GetParam().key;
+    EXPECT_STREQ(out, GetParam().text);
+    std::memset(out, 'x', sizeof out);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), GetParam().key, out, sizeof out), GetParam().rc);
+    EXPECT_STREQ(out, GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, KeyLookup,
+    ::testing::Values(KeyCase{"DottedPath", "a.f", 0, "plain"}, KeyCase{"NestedPath", "a.b.c", 0, "six"},
+                      KeyCase{"ElementWithoutText", "a.b", 0, ""}, KeyCase{"MissingPath", "a.z", -1, ""},
+                      KeyCase{"BareAttribute", "a.b[id]", 0, "6"},
+                      KeyCase{"BareAttributeFirstHavingIt", "a.b[name]", 0, "seven"},
+                      KeyCase{"BareAttributeNeedsNoPrefix", "a.b[id=8][name]", -1, ""},
+                      KeyCase{"ConditionText", "a.b[id=8]", 0, "eight"},
+                      KeyCase{"ConditionWithoutText", "a.b[id=7]", 0, ""},
+                      KeyCase{"ConditionNoMatch", "a.b[id=9]", -1, ""},
+                      KeyCase{"ConditionThenAttribute", "a.b[id=7][name]", 0, "seven"},
+                      KeyCase{"ConditionThenPath", "a.b[id=7].c", 0, "first c"},
+                      KeyCase{"ConditionThenPathNoDot", "a.b[id=7]c", 0, "first c"},
+                      KeyCase{"TwoConditionsThenPath", "a.b[id=7].c[k=v].d", 0, "deep"},
+                      KeyCase{"PathAfterBracketWithoutText", "a.b[id=7].e", -1, ""},
+                      KeyCase{"TrailingDotAfterBracket", "a.b[id=6].", 0, ""},
+                      KeyCase{"SecondBracketDropsRest", "a.b[id=7][name].c", 0, "seven"},
+                      KeyCase{"MissingClose", "a.b[id=7", -1, ""}, KeyCase{"CloseBeforeOpen", "a]b[id", -1, ""},
+                      KeyCase{"LaterBracketUnclosed", "a.b[id=7].c[k=v", -1, ""},
+                      KeyCase{"EmptySegment", "[id]", -1, ""}, KeyCase{"EmptyConditionName", "a.b[=7]", -1, ""},
+                      KeyCase{"MissingAttribute", "a.b[zz]", -1, ""}),
+    xmltest::case_name<KeyCase>);
+
+// Arbitrary keys over the key syntax's own characters: a failure always
+// leaves the output empty, a success copies some text of the tree, and the
+// bounded form agrees with the plain one.
+TEST(KeyLookupRandom, AnyKeyIsAnsweredSafely)
+{
+    xmltest::Tree tree = xmltest::parse(kDoc);
+    const std::string all_text = "six|seven|eight|plain|first c|deep|6|7|8|v|prefixed";
+    std::mt19937 rng(11);
+    const char alphabet[] = "abcdef.[]=678kvidname";
+    for (int i = 0; i < 5000; ++i) {
+        std::string key;
+        for (int n = static_cast<int>(rng() % 16); n > 0; --n) key += alphabet[rng() % (sizeof alphabet - 1)];
+        char out[64];
+        char bounded[64];
+        const int rc = NDL_XML_GetNodeOrAttr_Node(tree.get(), key.c_str(), out);
+        EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), key.c_str(), bounded, sizeof bounded), rc) << key;
+        EXPECT_STREQ(bounded, out) << key;
+        if (rc != 0) {
+            EXPECT_EQ(rc, -1);
+            EXPECT_STREQ(out, "") << key;
+        } else if (out[0] != '\0') {
+            EXPECT_NE(all_text.find(out), std::string::npos) << key;
+        }
+    }
+}
+
+TEST(KeyLookupLimits, OverlongPartsAreRefusedNotCut)
+{
+    const std::string long_name(128, 'n');
+    const std::string doc = "<a><" + long_name + " id='1'>v</" + long_name + "><b " + std::string(127, 'k') +
+                            "='w'>t</b></a>";
+    xmltest::Tree tree = xmltest::parse(doc.c_str());
+    char out[32] = "untouched";
+    // Element name of 128 bytes behind a bracket.
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a." + long_name + "[id=1]").c_str(), out), -1);
+    EXPECT_STREQ(out, "");
+    // A 127-byte condition fits, 128 does not.
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a.b[" + std::string(127, 'k') + "]").c_str(), out), 0);
+    EXPECT_STREQ(out, "w");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a.b[" + std::string(125, 'k') + "=w]").c_str(), out), -1);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a.b[" + std::string(128, 'k') + "]").c_str(), out), -1);
+    // A segment of 255 bytes is read, 256 refused; the same for a plain key.
+    const std::string dots254(253, '.');
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a" + dots254 + "b[" + std::string(127, 'k') + "]").c_str(), out), 0);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a." + dots254 + "b[" + std::string(127, 'k') + "]").c_str(), out), -1);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a" + dots254 + "b").c_str(), out), 0);
+    EXPECT_STREQ(out, "t");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a." + dots254 + "b").c_str(), out), -1);
+    EXPECT_STREQ(out, "");
+}
+
+TEST(KeyLookupLimits, BoundedFormRefusesValuesThatDoNotFit)
+{
+    xmltest::Tree tree = xmltest::parse("<a><b id='12345'>1234</b></a>");
+    char out[8] = "xxxxxxx";
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), "a.b", out, 5), 0);
+    EXPECT_STREQ(out, "1234");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), "a.b", out, 4), -1);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), "a.b[id]", out, 5), -1);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), "a.b[id]", out, 6), 0);
+    EXPECT_STREQ(out, "12345");
+    out[0] = 'z';
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), "a.b", out, 0), -1);
+    EXPECT_EQ(out[0], 'z');  // no room to write even the terminator
+}
+
+TEST(KeyLookupLimits, MissingArguments)
+{
+    xmltest::Tree tree = xmltest::parse("<a>v</a>");
+    char out[8] = "keep";
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(nullptr, "a", out), -1);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), nullptr, out), -1);
+    EXPECT_STREQ(out, "keep");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), "a", nullptr), -1);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr(nullptr, "a", out), -1);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr("f", nullptr, out), -1);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr("f", "a", nullptr), -1);
+    EXPECT_STREQ(out, "keep");
+}
+
+TEST(KeyLookupFile, ReadsTheFeatureSetting)
+{
+    const std::string path = xmltest::write_work_file(
+        "key_lookup_feature.xml",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- features -->\n<configuration>\n"
+        "  <FEATURE_SMS>\n    <lang_table>2</lang_table>\n  </FEATURE_SMS>\n</configuration>\n<extra/>\n");
+    xmltest::HookScope hooks;
+    char out[32] = "junk";
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr(path.c_str(), "configuration.FEATURE_SMS.lang_table", out), 0);
+    EXPECT_STREQ(out, "2");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttrEx(path.c_str(), "configuration.FEATURE_SMS.lang_table", out, sizeof out), 0);
+    EXPECT_STREQ(out, "2");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttrEx(path.c_str(), "configuration.FEATURE_SMS.missing", out, sizeof out), -1);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(hooks.live(), 0);  // every top-level element released
+    std::strcpy(out, "junk");
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr(xmltest::work_path("absent.xml").c_str(), "a", out), -1);
+    EXPECT_STREQ(out, "");
+}
+
+TEST(KeyLookupFile, LongValueNeverOverflowsTheBoundedBuffer)
+{
+    const std::string value(100, 'v');
+    const std::string path = xmltest::write_work_file(
+        "key_lookup_long.xml", "<configuration><FEATURE_SMS><lang_table>" + value +
+                                   "</lang_table></FEATURE_SMS></configuration>");
+    char out[33];
+    out[32] = '#';
+    EXPECT_EQ(NDL_XML_GetNodeOrAttrEx(path.c_str(), "configuration.FEATURE_SMS.lang_table", out, 32), -1);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(out[32], '#');
+}
+
+}  // namespace
