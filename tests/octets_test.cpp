@@ -57,4 +57,21 @@ TEST(OctetWriter, StopsAtCapacity)
     EXPECT_EQ(w.written().size(), 3u);
 }
 
+TEST(OctetWriter, FillsInPlaceWithinItsRoom)
+{
+    std::array<std::uint8_t, 4> buf{};
+    OctetWriter w(buf);
+    EXPECT_TRUE(w.put(7));
+    auto room = w.unwritten();
+    ASSERT_EQ(room.size(), 3u);
+    room[0] = 8;
+    room[1] = 9;
+    EXPECT_FALSE(w.advance(4));  // more than the room: nothing committed
+    EXPECT_EQ(w.position(), 1u);
+    EXPECT_TRUE(w.advance(2));
+    EXPECT_EQ(w.written().size(), 3u);
+    EXPECT_EQ(buf[2], 9);
+    EXPECT_TRUE(w.unwritten().size() == 1u);
+}
+
 }  // namespace

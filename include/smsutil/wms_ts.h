@@ -360,6 +360,98 @@ SMSUTIL_API uint8_t wms_ts_encode_relative_time(const wms_timestamp *duration);
 /* The duration of a relative TP-VP octet; the record is cleared first. */
 SMSUTIL_API void wms_ts_decode_relative_time(uint8_t vp, wms_timestamp *duration);
 
+/* ---- Field codecs: time stamps, validity, data coding scheme, addresses ----
+ * Encoders write into out and return the octets written; decoders read from
+ * the field's first octet and return the octets consumed; 0 means failure. */
+
+/* The seven TP-SCTS octets of time into out; 0 at the first field out of range. */
+SMSUTIL_API uint8_t wms_ts_encode_timestamp(const wms_timestamp *time, uint8_t *out);
+/* Seven time stamp octets into time; bad fields become 0 or 1.  Returns 7. */
+SMSUTIL_API uint8_t wms_ts_decode_timestamp(const uint8_t *data, wms_timestamp *time);
+/* TP-VP by validity->format: 1 (relative), 7 (absolute) or 0 (none, enhanced, bad time). */
+SMSUTIL_API uint8_t wms_ts_encode_gw_validity(const wms_gw_validity *validity, uint8_t *out);
+/* TP-VP for the format already in validity->format; 1, 7, or 0 (none clears the record). */
+SMSUTIL_API uint8_t wms_ts_decode_gw_validity(const uint8_t *data, wms_gw_validity *validity);
+/* The TP-DCS octet of dcs into *out; returns 1. */
+SMSUTIL_API uint8_t wms_ts_encode_dcs(const wms_gw_dcs *dcs, uint8_t *out);
+/* The TP-DCS octet *data into dcs; returns 1. */
+SMSUTIL_API uint8_t wms_ts_decode_dcs(const uint8_t *data, wms_gw_dcs *dcs);
+/* Length, type and digits of address into out (room for 22 octets); 0 above 20 digits. */
+SMSUTIL_API uint8_t wms_ts_encode_address(const wms_address *address, uint8_t *out);
+/* An address field from its length octet; 0 when that octet is above 20. */
+SMSUTIL_API uint8_t wms_ts_decode_address(const uint8_t *data, wms_address *address);
+
+/* ---- User data header ----
+ * The per-element encoders read the element that the header encoder is
+ * encoding and the per-element decoders write the slot the header decoder
+ * is filling; each thread has its own such pair. */
+
+/* UDHL and up to 7 elements into out (room for WMS_MAX_LEN octets); UDHL, 0 without elements. */
+SMSUTIL_API uint8_t wms_ts_encode_user_data_header(uint8_t count, const wms_udh *headers, uint8_t *out);
+/* A header from its UDHL octet into up to 7 slots; UDHL, or 0 when refused (udhl is not read). */
+SMSUTIL_API uint8_t wms_ts_decode_user_data_header(uint8_t udhl, const uint8_t *data, uint8_t *count,
+                                                   wms_udh *headers);
+/* Per-element encoders: IEI, IEDL and data at out; the octets written (0: left out). */
+SMSUTIL_API uint8_t wms_ts_encode_udh_special_sm(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_text_formatting(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_pre_def_sound(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_user_def_sound(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_pre_def_anim(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_large_anim(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_small_anim(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_large_picture(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_small_picture(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_var_picture(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_user_prompt(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_eo(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_rfc822(uint8_t *out);
+SMSUTIL_API uint8_t wms_ts_encode_udh_other(uint8_t *out);
+/* Per-element decoders, from the IEDL octet; octets consumed with IEDL, 0 when IEDL is 0
+ * or announces less than the element needs. */
+SMSUTIL_API uint8_t wms_ts_decode_udh_special_sm(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_text_formatting(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_pre_def_sound(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_user_def_sound(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_pre_def_anim(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_large_anim(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_small_anim(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_large_picture(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_small_picture(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_var_picture(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_user_prompt(const uint8_t *iedl);
+SMSUTIL_API uint8_t wms_ts_decode_udh_rfc822(const uint8_t *iedl);
+/* Extended object from the IEDL octet; first_segment 1 reads the seven object octets first. */
+SMSUTIL_API uint8_t wms_ts_decode_udh_eo(const uint8_t *iedl, uint8_t first_segment);
+/* Element of any other kind from its IEI octet; IEDL + 2, 0 above 137 data octets. */
+SMSUTIL_API uint8_t wms_ts_decode_udh_other(const uint8_t *iei);
+
+/* ---- User data and GSM 7-bit packing ---- */
+
+/* count septets after fill (0..6) zero bits into at most capacity octets; octets written. */
+SMSUTIL_API uint16_t wms_ts_pack_gw_7_bit_chars(const uint8_t *septets, uint16_t count, uint16_t fill,
+                                                uint16_t capacity, uint8_t *out);
+/* count characters (at most capacity) from packed octets; start code 0, or 8 - fill bits.
+ * Returns the octets consumed. */
+SMSUTIL_API uint8_t wms_ts_unpack_gw_7_bit_chars(const uint8_t *packed, uint8_t count, uint8_t capacity,
+                                                 uint16_t start_code, uint8_t *out);
+/* TP-UDL and TP-UD of data into out (room for WMS_MAX_LEN octets); octets written. */
+SMSUTIL_API uint8_t wms_ts_encode_gw_user_data(const wms_gw_dcs *dcs, const wms_gw_user_data *data, uint8_t *out);
+/* TP-UD of udl units into user_data; octets of TP-UD consumed. */
+SMSUTIL_API uint8_t wms_ts_decode_gw_user_data(const wms_gw_dcs *dcs, uint8_t udl, const uint8_t *data,
+                                               uint8_t header_present, wms_gw_user_data *user_data);
+
+/* ---- TPDUs: result codes WMS_TS_STATUS_* ----
+ * Decoders read raw->data up to raw->len (at most WMS_MAX_LEN) into a
+ * cleared record; encoders fill raw->data, raw->len and raw->tpdu_type. */
+
+SMSUTIL_API wms_status_e_type wms_ts_decode_deliver(const wms_raw_tpdu *raw, wms_gw_deliver *msg);
+SMSUTIL_API wms_status_e_type wms_ts_decode_submit(const wms_raw_tpdu *raw, wms_gw_submit *msg);
+SMSUTIL_API wms_status_e_type wms_ts_decode_status_report(const wms_raw_tpdu *raw, wms_gw_status_report *msg);
+SMSUTIL_API wms_status_e_type wms_ts_encode_deliver(const wms_gw_deliver *msg, wms_raw_tpdu *raw);
+SMSUTIL_API wms_status_e_type wms_ts_encode_submit(const wms_gw_submit *msg, wms_raw_tpdu *raw);
+/* 101 when command_data_length octets do not fit in the TPDU. */
+SMSUTIL_API wms_status_e_type wms_ts_encode_command(const wms_gw_command *msg, wms_raw_tpdu *raw);
+
 SMSUTIL_END_DECLS
 
 #endif /* SMSUTIL_WMS_TS_H */

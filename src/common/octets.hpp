@@ -90,6 +90,15 @@ public:
     }
     // The octets written so far.
     constexpr std::span<std::uint8_t> written() const { return data_.first(pos_); }
+    // The room not yet written, for a producer that fills it in place; it
+    // then commits what it used with advance().
+    constexpr std::span<std::uint8_t> unwritten() const { return data_.subspan(pos_); }
+    constexpr bool advance(std::size_t n)
+    {
+        if (!has_room(n)) return false;
+        pos_ += n;
+        return true;
+    }
 
 private:
     std::span<std::uint8_t> data_;

@@ -1,0 +1,90 @@
+// The seven-octet time stamp (TP-SCTS, TP-DT, absolute TP-VP): BCD fields
+// sent as swapped semi-octets, then a signed quarter-hour time zone.
+#include <array>
+
+#include "transport/codec_internal.hpp"
+
+namespace smsutil::transport {
+namespace {
+
+constexpr std::uint8_t swap_nibbles(std::uint8_t v) { return static_cast<std::uint8_t>((v << 4) | (v >> 4)); }
+
+struct FieldRange {
+    std::uint8_t min;
+    std::uint8_t max;
+    std::uint8_t fallback;  // what a decoder substitutes for a bad value
+};
+
+// year, month, day, hour, minute, second
+constexpr std::array<FieldRange, 6> kRanges{{{0, 99, 0}, {1, 12, 1}, {1, 31, 1}, {0, 23, 0}, {0, 59, 0}, {0, 59, 0}}};
+constexpr int kMaxQuarterHours = 48;
+
+std::array<std::uint8_t, 6> fields_of(const wms_timestamp &t)
+{
+    return {t.year, t.month, t.day, t.hour, t.minute, t.second};
+}
+
+bool in_range(std::uint8_t bcd, const FieldRange &range)
+{
+    std::uint8_t v = 0;
+    return wms_ts_bcd_to_int(bcd, &v) == 1 && v >= range.min && v <= range.max;
+}
+
+}  // namespace
+
+std::size_t encode_timestamp(const wms_timestamp &time, OctetWriter &out)
+{
+    if (!out.has_room(kTimestampSize)) return 0;
+    const auto fields = fields_of(time);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (!in_range(fields[i], kRanges[i])) return 0;
+        out.put(swap_nibbles(fields[i]));
+    }
+    const int zone = time.timezone;
+    if (zone < -kMaxQuarterHours || zone > kMaxQuarterHours) return 0;
+    const int m = zone < 0 ? -zone : zone;
+    out.put(static_cast<std::uint8_t>(((m % 10) << 4) | (m / 10) | (zone < 0 ? 0x08 : 0)));
+    return kTimestampSize;
+}
+
+bool decode_timestamp(OctetReader &in, wms_timestamp &time)
+{
+    std::array<std::uint8_t, kTimestampSize> raw{};
+    if (!in.read(raw, raw.size())) return false;
+    std::array<std::uint8_t, 6> fields{};
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const std::uint8_t bcd = swap_nibbles(raw[i]);
+        fields[i] = in_range(bcd, kRanges[i]) ? bcd : kRanges[i].fallback;
+    }
+    time.year = fields[0];
+    time.month = fields[1];
+    time.day = fields[2];
+    time.hour = fields[3];
+    time.minute = fields[4];
+    time.second = fields[5];
+    const std::uint8_t o = raw[6];
+    const int zone = (o & 0x08) != 0 ? -(10 * (o & 0x07) + (o >> 4)) : 10 * (o & 0x0F) + (o >> 4);
+    time.timezone = static_cast<std::int8_t>(zone < -kMaxQuarterHours || zone > kMaxQuarterHours ? 0 : zone);
+    return true;
+}
+
+}  // namespace smsutil::transport
+
+extern "C" {
+
+SMSUTIL_API uint8_t wms_ts_encode_timestamp(const wms_timestamp *time, uint8_t *out)
+{
+    if (time == nullptr || out == nullptr) return 0;
+    smsutil::transport::OctetWriter w(out, smsutil::transport::kTimestampSize);
+    return static_cast<uint8_t>(smsutil::transport::encode_timestamp(*time, w));
+}
+
+SMSUTIL_API uint8_t wms_ts_decode_timestamp(const uint8_t *data, wms_timestamp *time)
+{
+    if (data == nullptr || time == nullptr) return 0;
+    smsutil::transport::OctetReader r(data, smsutil::transport::kTimestampSize);
+    smsutil::transport::decode_timestamp(r, *time);
+    return smsutil::transport::kTimestampSize;
+}
+
+}  // extern "C"
