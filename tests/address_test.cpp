@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstring>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -123,30 +122,6 @@ TEST(Address, BoundedDecoderRefusesEveryCutField)
     wms_address a{};
     EXPECT_EQ(smsutil::transport::decode_address(in, a), field.size());
     EXPECT_EQ(in.remaining(), 0u);
-}
-
-TEST(Address, RandomAddressesRoundTrip)
-{
-    std::mt19937 rng(77);
-    for (int i = 0; i < 1000; ++i) {
-        const bool text = rng() % 3 == 0;
-        const auto n = static_cast<size_t>(rng() % (text ? 12 : 21));
-        wms_address a{};
-        a.number_type = text ? WMS_NUMBER_ALPHANUMERIC : static_cast<uint8_t>(rng() % 8 == 5 ? 1 : rng() % 5);
-        a.number_plan = static_cast<uint8_t>(rng() % 16);
-        a.digit_mode = text ? WMS_DIGIT_MODE_CHAR : WMS_DIGIT_MODE_BCD;
-        a.number_of_digits = static_cast<uint8_t>(n);
-        for (size_t k = 0; k < n; ++k) a.digits[k] = static_cast<uint8_t>(rng() % (text ? 128 : 16));
-        std::array<uint8_t, 22> out{};
-        const uint8_t size = wms_ts_encode_address(&a, out.data());
-        ASSERT_GE(size, 2);
-        wms_address back{};
-        ASSERT_EQ(wms_ts_decode_address(out.data(), &back), size) << i;
-        ASSERT_EQ(back.number_of_digits, n) << i;
-        EXPECT_EQ(std::memcmp(back.digits, a.digits, n), 0) << i;
-        EXPECT_EQ(back.number_type, a.number_type);
-        EXPECT_EQ(back.number_plan, a.number_plan);
-    }
 }
 
 class AddressLog : public smsutil::test::LogTest {};

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstring>
-#include <random>
 #include <string>
 
 #include "smsutil/wms_ts.h"
@@ -83,25 +82,5 @@ INSTANTIATE_TEST_SUITE_P(
         DecodeCase{"month_13_becomes_1", {0x42, 0x31, 0x13, 0x32, 0x95, 0x85, 0x00}, stamp(0x24, 0x01, 0x31, 0x23, 0x59, 0x58, 0)},
         DecodeCase{"all_bad", {0xFF, 0x00, 0x00, 0x42, 0x06, 0xA0, 0xFF}, stamp(0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0)}),
     [](const auto &info) { return std::string(info.param.name); });
-
-TEST(Timestamp, RandomValidStampsSurviveTheRoundTrip)
-{
-    std::mt19937 rng(1234);
-    auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
-    for (int i = 0; i < 2000; ++i) {
-        const wms_timestamp t = stamp(wms_ts_int_to_bcd(static_cast<uint8_t>(pick(0, 99))),
-                                      wms_ts_int_to_bcd(static_cast<uint8_t>(pick(1, 12))),
-                                      wms_ts_int_to_bcd(static_cast<uint8_t>(pick(1, 31))),
-                                      wms_ts_int_to_bcd(static_cast<uint8_t>(pick(0, 23))),
-                                      wms_ts_int_to_bcd(static_cast<uint8_t>(pick(0, 59))),
-                                      wms_ts_int_to_bcd(static_cast<uint8_t>(pick(0, 59))),
-                                      static_cast<int8_t>(pick(-48, 48)));
-        std::array<uint8_t, 7> out{};
-        ASSERT_EQ(wms_ts_encode_timestamp(&t, out.data()), 7);
-        wms_timestamp back{};
-        wms_ts_decode_timestamp(out.data(), &back);
-        ASSERT_EQ(std::memcmp(&t, &back, sizeof t), 0) << i;
-    }
-}
 
 }  // namespace

@@ -180,14 +180,14 @@ public:
         return e;
     }
 
-    // An element of any kind the encoder writes, kept small enough to
-    // leave room for text.
+    // An element of any kind the encoder writes.
     wms_udh any_element()
     {
-        static constexpr uint16_t kKinds[] = {WMS_UDH_SPECIAL_SM,   WMS_UDH_TEXT_FORMATTING, WMS_UDH_PRE_DEF_SOUND,
-                                              WMS_UDH_USER_DEF_SOUND, WMS_UDH_PRE_DEF_ANIM, WMS_UDH_SMALL_ANIM,
-                                              WMS_UDH_SMALL_PICTURE, WMS_UDH_VAR_PICTURE,   WMS_UDH_USER_PROMPT,
-                                              WMS_UDH_EO,            WMS_UDH_RFC822,          0x05};
+        static constexpr uint16_t kKinds[] = {
+            WMS_UDH_SPECIAL_SM,    WMS_UDH_TEXT_FORMATTING, WMS_UDH_PRE_DEF_SOUND, WMS_UDH_USER_DEF_SOUND,
+            WMS_UDH_PRE_DEF_ANIM,  WMS_UDH_LARGE_ANIM,      WMS_UDH_SMALL_ANIM,    WMS_UDH_LARGE_PICTURE,
+            WMS_UDH_SMALL_PICTURE, WMS_UDH_VAR_PICTURE,     WMS_UDH_USER_PROMPT,   WMS_UDH_EO,
+            WMS_UDH_RFC822,        0x05};
         wms_udh e{};
         e.header_id = kKinds[below(sizeof kKinds / sizeof kKinds[0])];
         auto *raw = reinterpret_cast<uint8_t *>(&e.u);
@@ -217,19 +217,21 @@ public:
             if (alphabet != WMS_ALPHABET_GSM7) headers.push_back(concat8(octet(), 2, 1));
         }
         std::array<uint8_t, WMS_MAX_LEN> scratch{};
+        // Summed element by element: a header encoder leaves out what does
+        // not fit its buffer, which would hide an oversized header.
         auto header_size = [&] {
-            return headers.empty() ? 0u
-                                   : 1u + wms_ts_encode_user_data_header(static_cast<uint8_t>(headers.size()),
-                                                                         headers.data(), scratch.data());
+            unsigned size = headers.empty() ? 0 : 1;
+            for (const wms_udh &e : headers) size += wms_ts_encode_user_data_header(1, &e, scratch.data());
+            return size;
         };
-        // Large elements leave too little room for text: keep only the ends.
-        if (header_size() > 100) headers.erase(headers.begin() + 1, headers.end() - (alphabet == WMS_ALPHABET_GSM7 ? 0 : 1));
+        // Elements that do not fit beside the others are dropped, keeping the ends.
+        if (header_size() > 140) headers.erase(headers.begin() + 1, headers.end() - (alphabet == WMS_ALPHABET_GSM7 ? 0 : 1));
         ud.num_headers = static_cast<uint8_t>(headers.size());
         std::copy(headers.begin(), headers.end(), ud.headers);
         const unsigned header_octets = header_size();
         const unsigned room = 140 - header_octets;
         if (alphabet == WMS_ALPHABET_GSM7) {
-            ud.sm_len = static_cast<uint16_t>(below((room * 8 - 6) / 7 + 1));
+            ud.sm_len = static_cast<uint16_t>(below(room * 8 >= 6 ? (room * 8 - 6) / 7 + 1 : 1));
             for (int i = 0; i < ud.sm_len; ++i) ud.sm_data[i] = static_cast<uint8_t>(below(128));
         } else {
             ud.sm_len = static_cast<uint16_t>(below(room / 2 + 1) * 2);

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "smsutil/wms_ts.h"
-#include "support/alloc_counter.hpp"
 #include "support/log_fixture.hpp"
 #include "transport/codec_internal.hpp"
 #include "transport_test_support.hpp"
@@ -200,25 +199,6 @@ TEST(HeaderDecodeEdge, BoundedDecoderNeverReadsPastItsInput)
         const auto result = smsutil::transport::decode_header(cut, count, slots.data());
         EXPECT_EQ(result.udhl, 0) << len;
         EXPECT_EQ(count, 0) << len;
-    }
-}
-
-TEST(HeaderRoundTrip, SupportedKindsComeBackField)
-{
-    const std::vector<wms_udh> elements{concat16(0xBEEF, 9, 9), national(WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT, 1),
-                                        national(WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT, 2), concat8(3, 4, 2)};
-    uint8_t udhl = 0;
-    const Octets wire = encode(elements, udhl);
-    std::array<wms_udh, WMS_UDH_MAX_IES> slots{};
-    uint8_t count = 0;
-    smsutil::test::AllocationScope scope;
-    ASSERT_EQ(wms_ts_decode_user_data_header(udhl, wire.data(), &count, slots.data()), udhl);
-    EXPECT_EQ(scope.allocations(), 0u);
-    ASSERT_EQ(count, elements.size());
-    for (size_t i = 0; i < elements.size(); ++i) {
-        EXPECT_EQ(+slots[i].header_id, +elements[i].header_id) << i;
-        // Each supported member is at most four octets.
-        EXPECT_EQ(std::memcmp(&slots[i].u, &elements[i].u, 4), 0) << i;
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstring>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -175,33 +174,6 @@ TEST(UserDataDecodeEdge, ShortDataIsReportedNotRead)
             wms_gw_user_data ud{};
             const auto r = smsutil::transport::decode_user_data(dcs_of(alphabet), udl, cut, true, ud);
             EXPECT_EQ(r.complete, len == wire.size()) << len;
-        }
-    }
-}
-
-TEST(UserDataRoundTrip, RandomTextsWithConcatenationHeaders)
-{
-    std::mt19937 rng(2024);
-    for (int i = 0; i < 400; ++i) {
-        const uint8_t alphabet = rng() % 2 == 0 ? WMS_ALPHABET_GSM7 : WMS_ALPHABET_UCS2;
-        std::vector<wms_udh> headers;
-        if (rng() % 2 == 0) headers.push_back(rng() % 2 == 0 ? concat8(static_cast<uint8_t>(rng()), 3, 2)
-                                                             : concat16(static_cast<uint16_t>(rng()), 7, 7));
-        const size_t max = alphabet == WMS_ALPHABET_GSM7 ? 150 : 130;
-        Octets sm(rng() % max);
-        if (alphabet == WMS_ALPHABET_UCS2) sm.resize(sm.size() & ~size_t{1});
-        for (auto &c : sm) c = static_cast<uint8_t>(alphabet == WMS_ALPHABET_GSM7 ? rng() % 128 : 1 + rng() % 255);
-        const wms_gw_user_data in = text_data(sm, headers);
-        const wms_gw_dcs dcs = dcs_of(alphabet);
-        std::array<uint8_t, WMS_MAX_LEN> wire{};
-        const uint8_t size = wms_ts_encode_gw_user_data(&dcs, &in, wire.data());
-        wms_gw_user_data out{};
-        EXPECT_EQ(wms_ts_decode_gw_user_data(&dcs, wire[0], wire.data() + 1, headers.empty() ? 0 : 1, &out), size - 1);
-        ASSERT_EQ(+out.sm_len, sm.size()) << i;
-        EXPECT_EQ(Octets(out.sm_data, out.sm_data + sm.size()), sm) << i;
-        ASSERT_EQ(out.num_headers, headers.size()) << i;
-        if (!headers.empty()) {
-            EXPECT_EQ(std::memcmp(&out.headers[0], &headers[0], 2 + 4), 0);
         }
     }
 }

@@ -131,7 +131,6 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
     if (in.size() < ud_size) return {};
     const auto ud = in.first(ud_size);
 
-    UserDataDecode result{true, 0};
     std::size_t value = 0;
     TextSpan text;
     if (septets) {
@@ -162,8 +161,7 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
     }
     SMS_TRACE_AS(kDecodeName, "The value of sm_len here is %d\n\n", static_cast<int>(value));
     SMS_TRACE_AS(kDecodeName, "The value of pos here is %d\n\n", static_cast<int>(text.start));
-    result.consumed = text.start + value;
-    return result;
+    return {true, text.start + value};
 }
 
 wms_status_e_type decode_tpdu_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::span<const std::uint8_t> rest,
