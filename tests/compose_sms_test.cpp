@@ -82,7 +82,9 @@ TEST_P(ComposeLength, LimitsAtTheBoundary)
     }
     EXPECT_EQ(ComposeSms(&msg_, &out_), c.expected);
 #if SMSUTIL_TRACE_ENABLED
-    if (c.message[0] != '\0') EXPECT_TRUE(logged_by("ComposeSms", c.message)) << log_text().substr(0, 2000);
+    if (c.message[0] != '\0') {
+        EXPECT_TRUE(logged(c.message)) << log_text().substr(0, 2000);
+    }
 #endif
 }
 

@@ -136,7 +136,9 @@ TEST(MessageRoundTrip, SevenBitTextsInEveryLanguage)
                 }
                 joined += packs[k].content;
             }
-            if (lang.coding == 0) EXPECT_EQ(joined, text);
+            if (lang.coding == 0) {
+                EXPECT_EQ(joined, text);
+            }
         }
     }
 }
@@ -170,7 +172,9 @@ TEST(MessageRoundTrip, Ucs2Texts)
             const Sent sent = send_and_read(packs[k], SMS_CONTENT_UCS2, 0, total, k + 1, 0x77);
             ASSERT_EQ(sent.ret, 0);
             EXPECT_EQ(std::string(sent.parsed.content), sent.text);
-            if (total > 1) EXPECT_EQ(sent.parsed.btPack, k + 1);
+            if (total > 1) {
+                EXPECT_EQ(sent.parsed.btPack, k + 1);
+            }
             joined += sent.parsed.content;
         }
         EXPECT_EQ(joined, text);

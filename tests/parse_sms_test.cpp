@@ -187,8 +187,6 @@ INSTANTIATE_TEST_SUITE_P(
                 "The ParseSms state is not recognized!"},
         Refusal{"year_99", "0891682143658709F10405812143F500009950607080902302E834", 1,
                 "The ParseDeliverSms function's false status is 10506"},
-        Refusal{"bad_hour", "0891682143658709F10405812143F50000425060A180902302E834", 1,
-                "DecomposeReadMsgTime function parses hour unsuccessfully!"},
         Refusal{"truncated_tpdu", "0891682143658709F10405812143", 1,
                 "The ParseDeliverSms function's false status is 10506"}),
     [](const auto &info) { return std::string(info.param.name); });

@@ -42,7 +42,9 @@ TEST_P(DecomposeTime, ChecksEachFieldInOrder)
 {
     SmsMessageData msg{};
     EXPECT_EQ(DecomposeReadMsgTime(&GetParam().ts, &msg), GetParam().ret);
-    if (GetParam().ret == 0) EXPECT_EQ(msg.wYear, GetParam().year);
+    if (GetParam().ret == 0) {
+        EXPECT_EQ(msg.wYear, GetParam().year);
+    }
 #if SMSUTIL_TRACE_ENABLED
     EXPECT_TRUE(logged_by("DecomposeReadMsgTime", GetParam().message)) << log_text();
 #endif

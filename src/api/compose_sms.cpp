@@ -1,5 +1,6 @@
 // ComposeSms: one pack into a SUBMIT PDU, service-centre address first.
 #include <cstdlib>
+#include <initializer_list>
 #include <cstring>
 
 #include "common/trace.hpp"
@@ -175,19 +176,18 @@ SMSUTIL_API int32_t ComposeSms(const SmsMessage *pInputSms, SmsSendPdu *pOutputS
         stMessage.byTotalSM = in.btTotalPack;
         stMessage.bySeqNum = in.btPack;
     }
-    // The time travels along but takes no part in a SUBMIT.
+    // The time travels along but takes no part in a SUBMIT; the trace has
+    // always called every one of its fields "day".
     stMessage.wYear = in.wYear;
-    SMS_TRACE("The day is %d\n\n", stMessage.wYear);
     stMessage.byMonth = in.byMonth;
-    SMS_TRACE("The day is %d\n\n", stMessage.byMonth);
     stMessage.byDay = in.byDay;
-    SMS_TRACE("The day is %d\n\n", stMessage.byDay);
     stMessage.byHour = in.byHour;
-    SMS_TRACE("The day is %d\n\n", stMessage.byHour);
     stMessage.byMinute = in.byMinute;
-    SMS_TRACE("The day is %d\n\n", stMessage.byMinute);
     stMessage.bySecond = in.bySecond;
-    SMS_TRACE("The day is %d\n\n", stMessage.bySecond);
+    for (const int field : {static_cast<int>(stMessage.wYear), static_cast<int>(stMessage.byMonth),
+                            static_cast<int>(stMessage.byDay), static_cast<int>(stMessage.byHour),
+                            static_cast<int>(stMessage.byMinute), static_cast<int>(stMessage.bySecond)})
+        SMS_TRACE("The day is %d\n\n", field);
 
     m_stConfiguration.dwMsgClass = WMS_MESSAGE_CLASS_NONE;
     m_stConfiguration.dwValidity = validity_seconds(in.szValidity);
