@@ -15,8 +15,10 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 constexpr const char *kKey = "configuration.FEATURE_SMS.lang_table";
+#if SMSUTIL_TRACE_ENABLED
 constexpr const char *kParamMessage =
     "(NULL == p8BitData) || (NULL == pGSM_7Data) || (NULL == pdwOutputLen) || (dwInputLen > dwBufLen)\n\n";
+#endif
 
 std::string feature_document(const std::string &lang_table_element)
 {
