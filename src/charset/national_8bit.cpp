@@ -18,8 +18,8 @@ using namespace smsutil::charset;
 
 constexpr const char *kLangTableKey = "configuration.FEATURE_SMS.lang_table";
 constexpr std::size_t kSettingSize = 32;
-// With this setting c cedilla is sent under its Spanish extension code
-// rather than its Turkish one, for networks that only know the former.
+// With this setting c cedilla, whose first byte is its Turkish one, goes
+// out under the Spanish extension code instead.
 constexpr int kSpanishCedillaSetting = 2;
 constexpr std::uint8_t kTurkishCedillaCode = 0x63;
 constexpr std::uint8_t kSpanishCedillaCode = 0x09;
