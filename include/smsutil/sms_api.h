@@ -151,6 +151,97 @@ SMSUTIL_API void _smslog(const char *path, uint32_t level, const char *format, .
 #endif
     ;
 
+/* ---- Packs and receivers ---- */
+
+#define SMS_PACK_CONTENT_SIZE 352 /* 351 bytes of UTF-8 and the NUL */
+#define SMS_MAX_PACKS 4
+#define SMS_RECEIVER_NUMBER_SIZE 24
+#define SMS_MAX_RECEIVERS 20
+
+/* One pack of a text cut for a concatenated series. */
+typedef struct SmsPack_s {
+    uint32_t length; /* bytes of content without the NUL */
+    char content[SMS_PACK_CONTENT_SIZE];
+} SmsPack;
+
+/* One receiver of a destination list. */
+typedef struct SmsReceiver_s {
+    uint32_t dwUserData; /* the caller's; never read or written here */
+    char szNumber[SMS_RECEIVER_NUMBER_SIZE];
+} SmsReceiver;
+
+/* ---- Dial numbers and service-centre addresses ---- */
+
+/* 0 when the number is 1..maxLen characters of digits, '*', '#' and a
+ * leading '+' (not '+' alone); -1 otherwise.  Reads at most maxLen + 1
+ * bytes of the string. */
+SMSUTIL_API int32_t EWCheckDialNum(const char *pszDialNum, uint32_t maxLen);
+/* Destination number text into a SUBMIT address; an empty number is valid. */
+SMSUTIL_API int32_t ConstructAddressData(const char *pszAddress, SendOrWriteMsg *PstSendOrWriteMsg,
+                                         wms_address *PstAddress);
+/* Service-centre number into the octets that prefix a PDU (01 81 when empty). */
+SMSUTIL_API int32_t ComposeSCAddrData(const char *pszAddr, SendOrWriteMsg *PstSendOrWriteMsg,
+                                      SmsOctetBuf *PstBuf);
+/* Two hexadecimal characters into the service-centre length octet. */
+SMSUTIL_API int32_t TransformSCANum(const char *pSctemp, uint32_t *out);
+/* Service-centre number text from the hexadecimal address that starts at
+ * its type-of-address octet; out has dwSize bytes. */
+SMSUTIL_API int32_t parse_centernum(int32_t dwSize, char *out, const char *src);
+/* A decoded address as text; *pdwLen is the capacity in, the length out. */
+SMSUTIL_API int32_t DecodeAddress(const wms_address *address, char *pszAddr, uint32_t *pdwLen);
+/* Octets into lowercase hexadecimal text (2 * count + 1 bytes). */
+SMSUTIL_API void BcdToAscii(char *out, const uint8_t *in, uint32_t count);
+/* Hexadecimal text (either case) into octets, two characters an octet. */
+SMSUTIL_API void AsciiToBcd(uint8_t *out, const char *in, uint32_t count);
+
+/* ---- Extracting decoded TPDUs ---- */
+
+SMSUTIL_API int32_t MSDecodeDeliver(const wms_raw_tpdu *raw, wms_gw_deliver *out);
+SMSUTIL_API int32_t MSDecodeSubmit(const wms_raw_tpdu *raw, wms_gw_submit *out);
+SMSUTIL_API int32_t MSDecodeStatusReport(const wms_raw_tpdu *raw, wms_gw_status_report *out);
+/* Each fills msg from the TPDU; *pdwErrCode gets SMS_ERR_DECODE on a decode
+ * or time stamp failure and is left alone otherwise. */
+SMSUTIL_API int32_t ParseDeliverSms(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode);
+SMSUTIL_API int32_t ParseSubmitSms(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode);
+SMSUTIL_API int32_t ParseStatusReport(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode);
+/* BCD time stamp into msg's date fields (years 00..95 are 2000..2095). */
+SMSUTIL_API int32_t DecomposeReadMsgTime(const wms_timestamp *time, SmsMessageData *msg);
+/* TP-Status octet into an SMS_STATUS_* delivery state. */
+SMSUTIL_API int32_t SwitchReportStatus(uint32_t tpStatus, uint8_t *PbyTag);
+
+/* ---- Entry points ---- */
+
+/* One stored PDU (hexadecimal text) into a zeroed and filled message. */
+SMSUTIL_API int32_t ParseSms(SmsReadPdu *pInputSms, SmsMessage *pOutputSms);
+/* One pack into a SUBMIT PDU as lowercase hexadecimal text. */
+SMSUTIL_API int32_t ComposeSms(const SmsMessage *pInputSms, SmsSendPdu *pOutputSms);
+
+/* ---- Compose steps ---- */
+
+SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *PstSendOrWriteMsg,
+                                     SmsOctetBuf *out, uint32_t *pdwErrCode);
+SMSUTIL_API int32_t ConstructSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *PstSendOrWriteMsg,
+                                       wms_gw_submit *submit);
+SMSUTIL_API int32_t MSEncodeSubmit(const wms_gw_submit *submit, wms_raw_tpdu *raw);
+SMSUTIL_API void ConstructDcsData(uint32_t coding, SendOrWriteMsg *PstSendOrWriteMsg, wms_gw_dcs *dcs);
+SMSUTIL_API void ConstructValidityData(wms_gw_validity *validity);
+
+/* ---- Splitting long text, receiver lists ---- */
+
+/* Cuts a UTF-8 text into at most 4 packs for UCS-2 (packCoding 0) or
+ * 7-bit (1) sending under national language `coding`; the number of
+ * packs, or -1.  A single pack whose text does not fit content fails. */
+SMSUTIL_API int32_t sms_util_split_pack(const char *text, int32_t len, int32_t packCoding, uint32_t coding,
+                                        SmsPack *pRes);
+/* Bytes taken by the first n characters of a UTF-8 text; -1 for null. */
+SMSUTIL_API int32_t find_utf8_count(int32_t n, const char *text);
+/* Splits a separator-delimited list into at most 20 receivers. */
+SMSUTIL_API int32_t sms_parse_receiver(const char *separator, const char *list, SmsReceiver *receivers);
+/* 0 when the text is non-empty and only digits and '+'; else -1. */
+SMSUTIL_API int32_t sms_test_str_num(const char *text);
+/* Bounded copy that always terminates; returns dst. */
+SMSUTIL_API char *sms_safe_cpy(char *dst, const char *src, int32_t size);
+
 SMSUTIL_END_DECLS
 
 #endif /* SMSUTIL_SMS_API_H */

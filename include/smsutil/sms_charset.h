@@ -69,6 +69,45 @@ SMSUTIL_API int32_t handle_input_sms_7bit_to_utf8(uint8_t *pText, uint32_t dwInp
 /* A 7-bit text converted in place to single-byte text (buffer of 514 bytes). */
 SMSUTIL_API int32_t handle_input_sms_7bit_to_ascii(uint8_t *pText, int32_t iInputLen, uint32_t *pdwOutputLen);
 
+/* ---- National 8-bit code ----
+ * A single-byte code in which the default alphabet keeps its 7-bit values
+ * (0x80 standing for the commercial at, whose 7-bit code is 0) and the
+ * characters that need an escape in 7-bit text take the upper half:
+ * 0x81-0x9F the default extension, 0xA0-0xBF Turkish, 0xC0-0xDF Spanish,
+ * 0xE0-0xFF nothing yet.  Texts in it are zero-terminated. */
+#define KV8BIT_TEXT_BUFFER_SIZE 620
+
+/* The 7-bit extension code that follows the escape for each upper byte,
+ * indexed by the byte with its top bit cleared; 0xFF where there is none.
+ * Writable so that a gateway can patch its own variant in at run time;
+ * the library only reads it. */
+#define KV8BIT_NO_EXTENSION_CODE 0xFF
+SMSUTIL_API extern uint8_t extern_code_table[128];
+
+/* UCS-2 units to the 8-bit code, taking the lowest byte that stands for
+ * each unit.  A unit with no byte leaves its output byte as the caller had
+ * it (a zeroed output then ends the text there).  iInputLen may not exceed
+ * iBufLen; the output needs iBufLen + 1 bytes, as a zero byte follows the
+ * last one written. */
+SMSUTIL_API int32_t ucs2_to_kv8bit(const uint16_t *pUCS2, int32_t iInputLen, uint8_t *p8BitData, int32_t iBufLen,
+                                   uint32_t *pdwOutputLen);
+/* 8-bit code to 7-bit codes (not terminated, may hold 0x00), an upper byte
+ * becoming the escape and its extension code.  The gateway's feature file
+ * decides whether c cedilla takes its Spanish code.  Output that would
+ * pass dwBufLen drops the rest of the input; an escape pair needs three
+ * bytes of room or the call fails. */
+SMSUTIL_API int32_t kv8bit_to_gsm7bit(const uint8_t *p8BitData, uint32_t dwInputLen, uint8_t *pGSM_7Data,
+                                      uint32_t dwBufLen, uint32_t *pdwOutputLen);
+/* A zero-terminated 8-bit text converted in place to 7-bit codes; the
+ * buffer holds KV8BIT_TEXT_BUFFER_SIZE bytes and the code count is
+ * returned through pdwOutputLen. */
+SMSUTIL_API int32_t handle_input_sms_ascii_to_7bit(uint8_t *pText, uint32_t *pdwOutputLen);
+/* The national language an 8-bit text needs: 0 none, 1 Turkish, 2
+ * Spanish, 3 the block without a table; the first decisive byte wins. */
+SMSUTIL_API int32_t check_message_coding(const uint8_t *p8BitData);
+/* Writes data as a hexadecimal and character dump to the diagnostic log. */
+SMSUTIL_API void DumpBuffer(const uint8_t *pData, int32_t iLength, const char *pszDescription);
+
 SMSUTIL_END_DECLS
 
 #endif /* SMSUTIL_SMS_CHARSET_H */

@@ -1,0 +1,71 @@
+// Addresses and octets as text: a decoded TP address for the caller, and
+// PDU octets as the modem's hexadecimal text.
+#include <cstring>
+
+#include "common/trace.hpp"
+#include "smsutil/sms_api.h"
+
+extern "C" {
+
+SMSUTIL_API int32_t DecodeAddress(const wms_address *address, char *pszAddr, uint32_t *pdwLen)
+{
+    if (pszAddr == nullptr) {
+        SMS_TRACE("The DecodeAddress pszAddr pointer is NULL!\n\n");
+        return -1;
+    }
+    if (address == nullptr || pdwLen == nullptr || *pdwLen == 0) return -1;
+    const uint32_t capacity = *pdwLen;
+    uint32_t pos = 0;
+    uint32_t room = capacity - 1;
+    if (address->number_type == WMS_NUMBER_INTERNATIONAL && room > 0) {
+        pszAddr[pos++] = '+';
+        --room;
+    }
+    uint32_t count = address->number_of_digits;
+    if (count > room) count = room;
+    if (count > WMS_ADDRESS_DIGITS_SIZE) count = WMS_ADDRESS_DIGITS_SIZE;
+    if (address->digit_mode != WMS_DIGIT_MODE_BCD)
+        std::memcpy(pszAddr + pos, address->digits, count);
+    else
+        wms_ts_bcd_to_ascii(address->digits, static_cast<uint8_t>(count), pszAddr + pos);
+    pos += count;
+    pszAddr[pos] = '\0';
+    *pdwLen = pos;
+    SMS_TRACE("DecodeAddress function run successfully!\n\n");
+    return 0;
+}
+
+SMSUTIL_API void BcdToAscii(char *out, const uint8_t *in, uint32_t count)
+{
+    static constexpr char kHex[] = "0123456789abcdef";
+    if (out == nullptr) return;
+    if (in != nullptr) {
+        for (uint32_t i = 0; i < count; ++i) {
+            *out++ = kHex[in[i] >> 4];
+            *out++ = kHex[in[i] & 0x0F];
+        }
+    }
+    *out = '\0';
+}
+
+}  // extern "C"
+
+namespace {
+uint8_t nibble(char c)
+{
+    if (c >= 'A' && c <= 'F') return static_cast<uint8_t>(c - 'A' + 10);
+    if (c >= 'a' && c <= 'f') return static_cast<uint8_t>(c - 'a' + 10);
+    return static_cast<uint8_t>(static_cast<unsigned char>(c) & 0x0F);
+}
+}  // namespace
+
+extern "C" SMSUTIL_API void AsciiToBcd(uint8_t *out, const char *in, uint32_t count)
+{
+    if (out == nullptr || in == nullptr) return;
+    // An odd count reads the terminator as the last low nibble (0).
+    for (uint32_t i = 0; i < count; i += 2) {
+        const uint8_t high = nibble(in[i]);
+        const uint8_t low = i + 1 < count ? nibble(in[i + 1]) : 0;
+        *out++ = static_cast<uint8_t>((high << 4) | low);
+    }
+}

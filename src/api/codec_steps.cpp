@@ -1,0 +1,53 @@
+// The steps that hand a record to the transport codec and turn its status
+// into the message interface's 0 / -1.
+#include "common/trace.hpp"
+#include "smsutil/sms_api.h"
+
+namespace {
+// Only the low octet of a codec status carries the verdict.
+bool codec_failed(uint32_t status) { return (status & 0xFFu) != 0; }
+}  // namespace
+
+extern "C" {
+
+SMSUTIL_API int32_t MSDecodeDeliver(const wms_raw_tpdu *raw, wms_gw_deliver *out)
+{
+    if (raw == nullptr || out == nullptr || codec_failed(wms_ts_decode_deliver(raw, out))) {
+        SMS_TRACE("MSDecodeDeliver function run unsuccessfully!\n\n");
+        return -1;
+    }
+    SMS_TRACE("MSDecodeDeliver function run successfully!\n\n");
+    return 0;
+}
+
+SMSUTIL_API int32_t MSDecodeSubmit(const wms_raw_tpdu *raw, wms_gw_submit *out)
+{
+    if (raw == nullptr || out == nullptr || codec_failed(wms_ts_decode_submit(raw, out))) {
+        SMS_TRACE("MSDecodeSubmit function run unsuccessfully!\n\n");
+        return -1;
+    }
+    SMS_TRACE("MSDecodeSubmit function run successfully!\n\n");
+    return 0;
+}
+
+SMSUTIL_API int32_t MSDecodeStatusReport(const wms_raw_tpdu *raw, wms_gw_status_report *out)
+{
+    if (raw == nullptr || out == nullptr || codec_failed(wms_ts_decode_status_report(raw, out))) {
+        SMS_TRACE("MSDecodeStatusReport function run unsuccessfully!\n\n");
+        return -1;
+    }
+    SMS_TRACE("MSDecodeStatusReport function run successfully!\n\n");
+    return 0;
+}
+
+SMSUTIL_API int32_t MSEncodeSubmit(const wms_gw_submit *submit, wms_raw_tpdu *raw)
+{
+    if (submit == nullptr || raw == nullptr || codec_failed(wms_ts_encode_submit(submit, raw))) {
+        SMS_TRACE("MSEncodeSubmit function run unsuccessfully!\n\n");
+        return -1;
+    }
+    SMS_TRACE("MSEncodeSubmit function run successfully!\n\n");
+    return 0;
+}
+
+}  // extern "C"

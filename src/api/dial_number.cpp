@@ -1,0 +1,94 @@
+// Dial numbers on their way out: validation and the destination address
+// of a SUBMIT.
+#include <cstring>
+
+#include "common/trace.hpp"
+#include "smsutil/sms_api.h"
+
+namespace {
+constexpr uint32_t kMaxDialNumber = 20;
+
+bool is_dial_char(char c) { return (c >= '0' && c <= '9') || c == '*' || c == '#'; }
+}  // namespace
+
+extern "C" {
+
+SMSUTIL_API int32_t EWCheckDialNum(const char *pszDialNum, uint32_t maxLen)
+{
+    if (pszDialNum == nullptr) {
+        SMS_TRACE("The EWCheckDialNum pszDialNum pointer is NULL!\n\n");
+        return -1;
+    }
+    // Never look further than one byte past the allowed length: callers
+    // pass fixed-size fields that a bad record may leave unterminated.
+    const std::size_t dwlen = strnlen(pszDialNum, static_cast<std::size_t>(maxLen) + 1);
+    SMS_TRACE("The length of dwlen is %d\n\n", static_cast<int>(dwlen));
+    if (dwlen == 0 || dwlen > maxLen) {
+        SMS_TRACE("The EWCheckDialNum pszDialNum's length is 0 or out of the max length!\n\n");
+        return -1;
+    }
+    if (dwlen == 1 && pszDialNum[0] == '+') {
+        SMS_TRACE("The EWCheckDialNum pszDialNum is only a '+'!\n\n");
+        return -1;
+    }
+    for (std::size_t i = 0; i < dwlen; ++i) {
+        const char c = pszDialNum[i];
+        if (!is_dial_char(c) && !(c == '+' && i == 0)) {
+            SMS_TRACE("The EWCheckDialNum pszDialNum is illegal!\n\n");
+            return -1;
+        }
+    }
+    SMS_TRACE("EWCheckDialNum function run successfully!\n\n");
+    return 0;
+}
+
+SMSUTIL_API int32_t ConstructAddressData(const char *pszAddress, SendOrWriteMsg *PstSendOrWriteMsg,
+                                         wms_address *PstAddress)
+{
+    if (pszAddress == nullptr) {
+        SMS_TRACE("The ConstructAddressData pszAddress pointer is NULL!\n\n");
+        return -1;
+    }
+    if (PstSendOrWriteMsg == nullptr) {
+        SMS_TRACE("The ConstructAddressData PstSendOrWriteMsg pointer is NULL!\n\n");
+        return -1;
+    }
+    if (PstAddress == nullptr) {
+        SMS_TRACE("The ConstructAddressData PstAddress pointer is NULL!\n\n");
+        return -1;
+    }
+    std::memset(PstAddress, 0, sizeof *PstAddress);
+    PstAddress->digit_mode = PstSendOrWriteMsg->byDigitMode;
+    PstAddress->number_mode = PstSendOrWriteMsg->byNumberMode;
+
+    if (pszAddress[0] == '\0') {
+        PstAddress->number_type = WMS_NUMBER_UNKNOWN;
+        PstAddress->number_plan = 1;
+        SMS_TRACE("ConstructAddressData function run successfully!:dwLen==0\n\n");
+        return 0;
+    }
+    const int32_t check = EWCheckDialNum(pszAddress, kMaxDialNumber);
+    if (check != 0) {
+        SMS_TRACE("EWCheckDialNum in ConstructAddressData function run unsuccessfully!\n\n");
+        return check;
+    }
+    const char *digits = pszAddress;
+    if (digits[0] == '+') {
+        PstAddress->number_type = WMS_NUMBER_INTERNATIONAL;
+        ++digits;
+    } else {
+        PstAddress->number_type = WMS_NUMBER_UNKNOWN;
+    }
+    PstAddress->number_plan = 1;
+    const uint8_t count = static_cast<uint8_t>(std::strlen(digits));  // at most 20 after the check
+    PstAddress->number_of_digits = count;
+    wms_ts_ascii_to_bcd(digits, count, PstAddress->digits);
+
+    SMS_TRACE("The MSAsciito Bcd is:\n");
+    SMS_TRACE("The BCD is:\n\n");
+    for (uint8_t i = 0; i < count; ++i) SMS_TRACE("%d\n", PstAddress->digits[i]);
+    SMS_TRACE("ConstructAddressData function run successfully!:dwLen>0\n\n");
+    return 0;
+}
+
+}  // extern "C"

@@ -1,0 +1,148 @@
+// The service-centre address in front of every PDU: built for sending,
+// read back from received PDU text.
+#include <cstring>
+
+#include "common/trace.hpp"
+#include "smsutil/sms_api.h"
+
+namespace {
+
+constexpr uint32_t kMaxScNumber = 20;
+constexpr std::size_t kScratchSize = SMS_NUMBER_SIZE;
+
+// Value of one hexadecimal character, or -1.
+int hex_value(char c)
+{
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    return -1;
+}
+
+}  // namespace
+
+extern "C" {
+
+SMSUTIL_API int32_t ComposeSCAddrData(const char *pszAddr, SendOrWriteMsg *PstSendOrWriteMsg, SmsOctetBuf *PstBuf)
+{
+    if (pszAddr == nullptr) {
+        SMS_TRACE("The ComposeSCAddrData pszAddr pointer is NULL!\n\n");
+        return -1;
+    }
+    if (PstSendOrWriteMsg == nullptr) {
+        SMS_TRACE("The ComposeSCAddrData PstSendOrWriteMsg pointer is NULL!\n\n");
+        return -1;
+    }
+    if (PstBuf == nullptr) {
+        SMS_TRACE("The ComposeSCAddrData PstBuf pointer is NULL!\n\n");
+        return -1;
+    }
+    PstSendOrWriteMsg->byDigitMode = 0;
+    const std::size_t dwlen = strnlen(pszAddr, kMaxScNumber + 1);
+    SMS_TRACE("The dwlen is %d\n\n", static_cast<int>(dwlen));
+    SMS_TRACE("The sc num is %.*s\n\n", static_cast<int>(dwlen), pszAddr);
+
+    const char *digits = pszAddr;
+    PstSendOrWriteMsg->byScTon = 0;
+    PstSendOrWriteMsg->byScNpi = 1;
+    if (dwlen > 0) {
+        const int32_t check = EWCheckDialNum(pszAddr, kMaxScNumber);
+        if (check != 0) {
+            SMS_TRACE("EWCheckDialNum in ComposeSCAddrData function run unsuccessfully!\n\n");
+            return check;
+        }
+        if (digits[0] == '+') {
+            PstSendOrWriteMsg->byScTon = 1;
+            ++digits;
+        }
+    }
+    const uint8_t count = static_cast<uint8_t>(dwlen - static_cast<std::size_t>(digits - pszAddr));
+
+    wms_address address{};
+    wms_ts_ascii_to_bcd(digits, count, PstBuf->data);
+    std::memcpy(address.digits, PstBuf->data, count);
+    address.number_type = PstSendOrWriteMsg->byScTon;
+    address.number_plan = PstSendOrWriteMsg->byScNpi;
+    address.number_of_digits = count;
+
+    uint8_t encoded[WMS_MAX_LEN] = {};
+    const uint8_t octets = wms_ts_encode_address(&address, encoded);
+    if (octets == 0) return -1;  // cannot happen after the length check
+    std::memcpy(PstBuf->data, encoded, octets);
+    PstBuf->dwLen = octets;
+    // The TP address counts digits; the service-centre form counts octets.
+    PstBuf->data[0] = static_cast<uint8_t>(octets - 1);
+
+    SMS_TRACE("The len of digits is %d\n\n", count);
+    SMS_TRACE("The sc len is:\n\n");
+    for (uint8_t i = 0; i < octets; ++i) SMS_TRACE("%x\n", PstBuf->data[i]);
+    SMS_TRACE("ComposeSCAddrData function run successfully!\n\n");
+    return 0;
+}
+
+SMSUTIL_API int32_t TransformSCANum(const char *pSctemp, uint32_t *out)
+{
+    if (out != nullptr) *out = 0;
+    if (pSctemp == nullptr) {
+        SMS_TRACE("The CheckSCANum pSctemp pointer is NULL!\n\n");
+        return -1;
+    }
+    if (out == nullptr) return -1;
+    SMS_TRACE("The pSctemp of  is %s\n\n", pSctemp);
+    const char digit1 = pSctemp[0];
+    const int high = hex_value(digit1);
+    if (high < 0) {
+        SMS_TRACE("The CheckSCANum digit1 is incompatible!\n\n");
+        return -1;
+    }
+    if (digit1 >= '0' && digit1 <= '9') {
+        SMS_TRACE("The pScnum of  is %d\n\n", static_cast<int>(*out));
+        SMS_TRACE("The digit1 of  is %c\n\n", digit1);
+        SMS_TRACE("The int digit1 of  is %d\n\n", high);
+    }
+    *out += static_cast<uint32_t>(high) * 16;
+    const int low = hex_value(pSctemp[1]);  // digit1 was not NUL, so [1] is in the string
+    if (low < 0) {
+        SMS_TRACE("The CheckSCANum digit2 is incompatible!\n\n");
+        return -1;
+    }
+    *out += static_cast<uint32_t>(low);
+    return 0;
+}
+
+SMSUTIL_API int32_t parse_centernum(int32_t dwSize, char *out, const char *src)
+{
+    if (out == nullptr || src == nullptr) return -1;
+    if (dwSize > 0) std::memset(out, 0, static_cast<std::size_t>(dwSize));
+    // The digits follow the two characters of the type-of-address octet.
+    const std::size_t toa_len = strnlen(src, 2);
+    const char *digits = src + toa_len;
+    const std::size_t len = toa_len < 2 ? 0 : strnlen(digits, kScratchSize);
+    const bool international = src[0] == '9';
+    if (len == 0 || dwSize <= 0 || len > static_cast<std::size_t>(dwSize) || len >= kScratchSize) {
+        SMS_TRACE("src len is[%d]\n\n", static_cast<int>(len));
+        return -1;
+    }
+    char scratch[kScratchSize] = {};
+    std::memcpy(scratch, digits, len);
+    for (std::size_t i = 0; i + 1 < len; i += 2) {
+        const char c = scratch[i];
+        scratch[i] = scratch[i + 1];
+        scratch[i + 1] = c;
+    }
+    std::size_t n = len;
+    if (scratch[n - 1] == 'f' || scratch[n - 1] == 'F') scratch[--n] = '\0';
+
+    const bool plus = international && n >= 2 && scratch[0] == '8' && scratch[1] == '6';
+    // The text and its terminator must fit the caller's buffer.
+    if (n + (plus ? 1 : 0) >= static_cast<std::size_t>(dwSize)) {
+        SMS_TRACE("src len is[%d]\n\n", static_cast<int>(len));
+        return -1;
+    }
+    char *p = out;
+    if (plus) *p++ = '+';
+    std::memcpy(p, scratch, n);
+    return 0;
+}
+
+}  // extern "C"

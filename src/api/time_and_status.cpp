@@ -1,0 +1,69 @@
+// The two helpers the extraction steps share: the BCD time stamp and the
+// TP-Status mapping.
+#include "common/trace.hpp"
+#include "smsutil/sms_api.h"
+
+extern "C" {
+
+SMSUTIL_API int32_t DecomposeReadMsgTime(const wms_timestamp *time, SmsMessageData *msg)
+{
+    if (time == nullptr || msg == nullptr) return -1;
+    if (wms_ts_bcd_to_int(time->day, &msg->byDay) == 0) {
+        SMS_TRACE("DecomposeReadMsgTime function parses day unsuccessfully!\n\n");
+        return -1;
+    }
+    if (wms_ts_bcd_to_int(time->hour, &msg->byHour) == 0) {
+        SMS_TRACE("DecomposeReadMsgTime function parses hour unsuccessfully!\n\n");
+        return -1;
+    }
+    if (wms_ts_bcd_to_int(time->minute, &msg->byMinute) == 0) {
+        SMS_TRACE("DecomposeReadMsgTime function parses minute unsuccessfully!\n\n");
+        return -1;
+    }
+    if (wms_ts_bcd_to_int(time->month, &msg->byMonth) == 0) {
+        SMS_TRACE("DecomposeReadMsgTime function parses month unsuccessfully!\n\n");
+        return -1;
+    }
+    if (wms_ts_bcd_to_int(time->second, &msg->bySecond) == 0) {
+        SMS_TRACE("DecomposeReadMsgTime function parses second unsuccessfully!\n\n");
+        return -1;
+    }
+    uint8_t year = 0;
+    if (wms_ts_bcd_to_int(time->year, &year) == 0) {
+        SMS_TRACE("DecomposeReadMsgTime function parses year unsuccessfully!\n\n");
+        return -1;
+    }
+    // Two-digit years 96..99 would be last century: not a time a network sends.
+    if (year > 95) {
+        SMS_TRACE("The year parsed in DecomposeReadMsgTime function is illegal!\n\n");
+        return -1;
+    }
+    msg->wYear = static_cast<uint16_t>(2000 + year);
+    SMS_TRACE("DecomposeReadMsgTime function run successfully!\n\n");
+    return 0;
+}
+
+SMSUTIL_API int32_t SwitchReportStatus(uint32_t tpStatus, uint8_t *PbyTag)
+{
+    if (PbyTag == nullptr) {
+        SMS_TRACE("The pointer PbyTag of SwitchReportStatus in ParseStatusReport function is NULL!\n\n");
+        return -1;
+    }
+    const uint32_t status = tpStatus;
+    if (status == 0)
+        *PbyTag = SMS_STATUS_DELIVERED;
+    else if (status == 2)
+        *PbyTag = SMS_STATUS_REPLACED;
+    else if (status < 0x20)
+        *PbyTag = SMS_STATUS_COMPLETED;
+    else if (status < 0x40)
+        *PbyTag = SMS_STATUS_PENDING;
+    else if (status < 0x60)
+        *PbyTag = SMS_STATUS_FAILED;
+    else
+        *PbyTag = SMS_STATUS_STOPPED;
+    SMS_TRACE("SwitchReportStatus function run successfully!\n\n");
+    return 0;
+}
+
+}  // extern "C"
