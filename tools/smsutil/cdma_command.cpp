@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 #include <memory>
@@ -27,7 +28,7 @@ int run_cdma_decode(const std::string& hex) {
     wms_raw_tpdu raw;
     std::memset(&raw, 0, sizeof raw);
     raw.len = static_cast<uint32_t>(octets->size());
-    std::memcpy(raw.data, octets->data(), octets->size());
+    std::copy(octets->begin(), octets->end(), raw.data);
     auto bd = std::make_unique<wms_cdma_bearer_data>();
     std::memset(bd.get(), 0, sizeof *bd);
     const wms_status_e_type status = wms_ts_decode_CDMA_bd(&raw, bd.get());

@@ -1,5 +1,6 @@
 #include "cdma_json.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -10,6 +11,9 @@
 
 namespace smsutil::cli {
 namespace {
+
+// The records are packed: a field is copied out with unary + before it goes
+// into JSON, whose constructors would bind a misaligned reference to it.
 
 constexpr size_t kTimeOctets = 6;  // year .. second, BCD, no zone on the air
 
@@ -28,10 +32,10 @@ Json relative_json(const wms_timestamp& duration) {
 
 Json user_data_json(const wms_cdma_user_data& ud) {
     Json out;
-    out["encoding"] = ud.encoding;
-    if (ud.encoding == WMS_ENCODING_IS91EP) out["is91ep_type"] = ud.is91ep_type;
-    out["num_fields"] = ud.num_fields;
-    out["padding_bits"] = ud.padding_bits;
+    out["encoding"] = +ud.encoding;
+    if (ud.encoding == WMS_ENCODING_IS91EP) out["is91ep_type"] = +ud.is91ep_type;
+    out["num_fields"] = +ud.num_fields;
+    out["padding_bits"] = +ud.padding_bits;
     const size_t length = std::min<size_t>(ud.data_len, WMS_CDMA_USER_DATA_MAX);
     out["data"] = octets_to_hex(std::span<const uint8_t>(ud.data, length));
     // A readable form for the text encodings; the encoder reads "data".
@@ -47,10 +51,10 @@ Json user_data_json(const wms_cdma_user_data& ud) {
 
 Json callback_json(const wms_address& cb) {
     Json out;
-    out["digit_mode"] = cb.digit_mode;
+    out["digit_mode"] = +cb.digit_mode;
     if (cb.digit_mode != 0) {
-        out["number_type"] = cb.number_type;
-        out["number_plan"] = cb.number_plan;
+        out["number_type"] = +cb.number_type;
+        out["number_plan"] = +cb.number_plan;
     }
     const size_t count = std::min<size_t>(cb.number_of_digits, WMS_CDMA_CALLBACK_MAX_DIGITS);
     if (cb.digit_mode != 0) {
@@ -137,7 +141,7 @@ void user_data_from(const Json& doc, wms_cdma_user_data& ud) {
     const auto data = hex_to_octets(string_of(doc, "data"));
     if (!data) bad("user_data.data", "expected hexadecimal octets");
     if (data->size() > WMS_CDMA_USER_DATA_MAX) bad("user_data.data", "more than 229 octets");
-    std::memcpy(ud.data, data->data(), data->size());
+    std::copy(data->begin(), data->end(), ud.data);
     ud.data_len = static_cast<uint8_t>(data->size());
 }
 
@@ -151,14 +155,14 @@ void callback_from(const Json& doc, wms_address& cb) {
     if (doc.contains("codes")) {
         const auto codes = hex_to_octets(string_of(doc, "codes"));
         if (!codes || codes->size() > WMS_CDMA_CALLBACK_MAX_DIGITS) bad("callback.codes", "expected up to 32 octets");
-        std::memcpy(cb.digits, codes->data(), codes->size());
+        std::copy(codes->begin(), codes->end(), cb.digits);
         cb.number_of_digits = static_cast<uint8_t>(codes->size());
         return;
     }
     const std::string digits = string_of(doc, "digits");
     if (digits.size() > WMS_CDMA_CALLBACK_MAX_DIGITS) bad("callback.digits", "more than 32 digits");
     if (cb.digit_mode != 0) {
-        std::memcpy(cb.digits, digits.data(), digits.size());
+        std::copy(digits.begin(), digits.end(), cb.digits);
     } else if (!digits.empty() && wms_ts_ascii2dtmf(digits.c_str(), cb.digits) != digits.size()) {
         bad("callback.digits", "only 0-9, * and # travel as DTMF digits");
     }
@@ -170,28 +174,28 @@ void callback_from(const Json& doc, wms_address& cb) {
 Json bearer_data_json(const wms_cdma_bearer_data& bd) {
     Json out = Json::object();
     const auto has = [&bd](uint32_t bit) { return (bd.mask & bit) != 0; };
-    if (has(WMS_MASK_BD_MSG_ID)) out["message_id"] = {{"type", bd.message_id.type}, {"id", bd.message_id.id_number}};
+    if (has(WMS_MASK_BD_MSG_ID)) out["message_id"] = {{"type", +bd.message_id.type}, {"id", +bd.message_id.id_number}};
     // An IS-91 call-back payload travels in user data without its mask bit.
     const bool cli_order =
         bd.user_data.encoding == WMS_ENCODING_IS91EP && bd.user_data.is91ep_type == WMS_IS91EP_CLI_ORDER;
     if (has(WMS_MASK_BD_USER_DATA) || cli_order) out["user_data"] = user_data_json(bd.user_data);
-    if (has(WMS_MASK_BD_USER_RESP)) out["user_response"] = bd.user_response;
+    if (has(WMS_MASK_BD_USER_RESP)) out["user_response"] = +bd.user_response;
     if (has(WMS_MASK_BD_MC_TIME)) out["mc_time"] = time_json(bd.mc_time);
     if (has(WMS_MASK_BD_VALID_ABS)) out["validity_absolute"] = time_json(bd.validity_absolute);
     if (has(WMS_MASK_BD_VALID_REL)) out["validity_relative"] = relative_json(bd.validity_relative);
     if (has(WMS_MASK_BD_DEFER_ABS)) out["deferred_absolute"] = time_json(bd.deferred_absolute);
     if (has(WMS_MASK_BD_DEFER_REL)) out["deferred_relative"] = relative_json(bd.deferred_relative);
-    if (has(WMS_MASK_BD_PRIORITY)) out["priority"] = bd.priority;
-    if (has(WMS_MASK_BD_PRIVACY)) out["privacy"] = bd.privacy;
+    if (has(WMS_MASK_BD_PRIORITY)) out["priority"] = +bd.priority;
+    if (has(WMS_MASK_BD_PRIVACY)) out["privacy"] = +bd.privacy;
     if (has(WMS_MASK_BD_REPLY_OPTION)) {
         out["reply_option"] = {{"user_ack", bd.user_ack_requested != 0},
                                {"delivery_ack", bd.delivery_ack_requested != 0}};
     }
-    if (has(WMS_MASK_BD_NUM_OF_MSGS)) out["num_messages"] = bd.num_messages;
+    if (has(WMS_MASK_BD_NUM_OF_MSGS)) out["num_messages"] = +bd.num_messages;
     if (has(WMS_MASK_BD_ALERT)) out["alert_on_delivery"] = true;
-    if (has(WMS_MASK_BD_LANGUAGE)) out["language"] = bd.language;
+    if (has(WMS_MASK_BD_LANGUAGE)) out["language"] = +bd.language;
     if (has(WMS_MASK_BD_CALLBACK)) out["callback"] = callback_json(bd.callback);
-    if (has(WMS_MASK_BD_DISPLAY_MODE)) out["display_mode"] = bd.display_mode;
+    if (has(WMS_MASK_BD_DISPLAY_MODE)) out["display_mode"] = +bd.display_mode;
     return out;
 }
 

@@ -1,5 +1,6 @@
 #include "compose_parts.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -22,7 +23,7 @@ std::optional<SmsMessage> message_for_pack(const ComposeRequest& request, Coding
     if (coding == Coding::Gsm7) {
         const auto codes = utf8_to_gsm7(pack, request.language);
         if (!codes || codes->size() >= sizeof message.content) return std::nullopt;
-        std::memcpy(message.content, codes->data(), codes->size());
+        std::copy(codes->begin(), codes->end(), message.content);
         message.byContentLen = static_cast<uint8_t>(codes->size());
         message.sms_content_code = SMS_CONTENT_7BIT;
         message.byteCoding = request.language;

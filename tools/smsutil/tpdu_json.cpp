@@ -7,6 +7,9 @@
 namespace smsutil::cli {
 namespace {
 
+// The records are packed: a field is copied out with unary + before it goes
+// into JSON, whose constructors would bind a misaligned reference to it.
+
 const char* coding_group_name(uint32_t group) {
     switch (group) {
     case WMS_DCS_GENERAL: return "general";
@@ -30,7 +33,7 @@ Json dcs_json(const wms_gw_dcs& dcs) {
     Json out;
     out["coding_group"] = coding_group_name(dcs.coding_group);
     out["alphabet"] = alphabet_name(dcs.alphabet);
-    out["message_class"] = dcs.msg_class == WMS_MESSAGE_CLASS_NONE ? Json(nullptr) : Json(dcs.msg_class);
+    out["message_class"] = dcs.msg_class == WMS_MESSAGE_CLASS_NONE ? Json(nullptr) : Json(+dcs.msg_class);
     out["compressed"] = dcs.is_compressed != 0;
     if (dcs.coding_group == WMS_DCS_MWI_DISCARD || dcs.coding_group == WMS_DCS_MWI_STORE) {
         out["mwi"] = {{"active", dcs.mwi_active != 0}, {"kind", mwi_kind_name(dcs.mwi_kind)}};
@@ -40,8 +43,8 @@ Json dcs_json(const wms_gw_dcs& dcs) {
 
 Json address_json(const wms_address& address) {
     Json out;
-    out["type_of_number"] = address.number_type;
-    out["numbering_plan"] = address.number_plan;
+    out["type_of_number"] = +address.number_type;
+    out["numbering_plan"] = +address.number_plan;
     const size_t count = std::min<size_t>(address.number_of_digits, WMS_ADDRESS_MAX_DIGITS);
     std::string digits;
     if (address.digit_mode == WMS_DIGIT_MODE_CHAR) {
@@ -63,25 +66,25 @@ Json timestamp_json(const wms_timestamp& time) {
 
 Json header_json(const wms_udh& header) {
     Json out;
-    out["id"] = header.header_id;
+    out["id"] = +header.header_id;
     switch (header.header_id) {
     case WMS_UDH_CONCAT_8BIT_REF:
         out["name"] = "concat-8bit";
-        out["reference"] = header.u.concat_8.msg_ref;
-        out["total"] = header.u.concat_8.total_sm;
-        out["part"] = header.u.concat_8.seq_num;
+        out["reference"] = +header.u.concat_8.msg_ref;
+        out["total"] = +header.u.concat_8.total_sm;
+        out["part"] = +header.u.concat_8.seq_num;
         break;
     case WMS_UDH_CONCAT_16BIT_REF:
         out["name"] = "concat-16bit";
-        out["reference"] = header.u.concat_16.msg_ref;
-        out["total"] = header.u.concat_16.total_sm;
-        out["part"] = header.u.concat_16.seq_num;
+        out["reference"] = +header.u.concat_16.msg_ref;
+        out["total"] = +header.u.concat_16.total_sm;
+        out["part"] = +header.u.concat_16.seq_num;
         break;
     case WMS_UDH_SPECIAL_SM:
         out["name"] = "special-sms";
         out["store"] = header.u.special_sm.msg_waiting == WMS_DCS_MWI_STORE;
-        out["kind"] = header.u.special_sm.mwi_kind;
-        out["count"] = header.u.special_sm.message_count;
+        out["kind"] = +header.u.special_sm.mwi_kind;
+        out["count"] = +header.u.special_sm.message_count;
         break;
     case WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT:
     case WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT: {
@@ -90,7 +93,7 @@ Json header_json(const wms_udh& header) {
                                            : header.u.nat_lang_ls;
         out["name"] = header.header_id == WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT ? "national-language-single-shift"
                                                                                  : "national-language-locking-shift";
-        out["language"] = lang.national_language;
+        out["language"] = +lang.national_language;
         break;
     }
     default: {
@@ -106,7 +109,7 @@ Json header_json(const wms_udh& header) {
 
 Json user_data_json(const wms_gw_user_data& data, const wms_gw_dcs& dcs) {
     Json out;
-    out["length"] = data.sm_len;
+    out["length"] = +data.sm_len;
     Json headers = Json::array();
     const size_t count = std::min<size_t>(data.num_headers, WMS_UDH_MAX_IES);
     for (size_t i = 0; i < count; ++i) headers.push_back(header_json(data.headers[i]));
@@ -147,7 +150,7 @@ Json deliver_json(const wms_gw_deliver& msg, uint8_t first_octet) {
                           {"user_data_header", msg.user_data_header_present != 0},
                           {"status_report_indication", msg.status_report_indication != 0}});
     out["originator"] = address_json(msg.address);
-    out["pid"] = msg.pid;
+    out["pid"] = +msg.pid;
     out["dcs"] = dcs_json(msg.dcs);
     out["service_centre_time"] = timestamp_json(msg.timestamp);
     out["user_data"] = user_data_json(msg.user_data, msg.dcs);
@@ -160,9 +163,9 @@ Json submit_json(const wms_gw_submit& msg, uint8_t first_octet) {
                           {"reply_path", msg.reply_path_present != 0},
                           {"user_data_header", msg.user_data_header_present != 0},
                           {"status_report_request", msg.status_report_request != 0}});
-    out["message_reference"] = msg.message_reference;
+    out["message_reference"] = +msg.message_reference;
     out["destination"] = address_json(msg.address);
-    out["pid"] = msg.pid;
+    out["pid"] = +msg.pid;
     out["dcs"] = dcs_json(msg.dcs);
     out["validity"] = validity_json(msg.validity);
     out["user_data"] = user_data_json(msg.user_data, msg.dcs);
@@ -174,13 +177,13 @@ Json status_report_json(const wms_gw_status_report& msg, uint8_t first_octet) {
                          {{"more_messages_to_send", msg.more_msgs_to_send != 0},
                           {"user_data_header", msg.user_data_header_present != 0},
                           {"status_report_qualifier", msg.status_report_qualifier != 0}});
-    out["message_reference"] = msg.message_reference;
+    out["message_reference"] = +msg.message_reference;
     out["recipient"] = address_json(msg.address);
     out["service_centre_time"] = timestamp_json(msg.timestamp);
     out["discharge_time"] = timestamp_json(msg.discharge_time);
-    out["tp_status"] = msg.tp_status;
-    out["parameter_indicator"] = msg.parameter_indicator;
-    out["pid"] = msg.pid;
+    out["tp_status"] = +msg.tp_status;
+    out["parameter_indicator"] = +msg.parameter_indicator;
+    out["pid"] = +msg.pid;
     // TP-PI says which of the optional fields travelled.
     if (msg.parameter_indicator & 2U) out["dcs"] = dcs_json(msg.dcs);
     if (msg.parameter_indicator & 4U) out["user_data"] = user_data_json(msg.user_data, msg.dcs);
