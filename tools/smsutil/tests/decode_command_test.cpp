@@ -1,0 +1,129 @@
+// `smsutil decode` run as a process: golden output for the examples, and
+// the error objects and exit status of PDUs the library refuses.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+#include "run_tool.hpp"
+#include "smsutil/smsutil.h"
+
+namespace smsutil::cli::test {
+namespace {
+
+using nlohmann::json;
+
+struct GoldenCase {
+    const char* name;  // golden file
+    const char* example;
+    std::vector<std::string> options;
+};
+
+class DecodeGolden : public ::testing::TestWithParam<GoldenCase> {};
+
+TEST_P(DecodeGolden, MatchesTheCheckedInOutput) {
+    const auto& c = GetParam();
+    std::vector<std::string> args{"decode"};
+    args.insert(args.end(), c.options.begin(), c.options.end());
+    const ToolRun run = run_tool(args, read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/" + c.example));
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.out, read_file(std::string(SMSUTIL_GOLDEN_DIR) + "/" + c.name + ".json"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Examples, DecodeGolden,
+    ::testing::Values(GoldenCase{"deliver_7bit", "deliver_7bit.pdu", {}},
+                      GoldenCase{"deliver_7bit_detail", "deliver_7bit.pdu", {"--detail"}},
+                      GoldenCase{"deliver_ucs2", "deliver_ucs2.pdu", {}},
+                      GoldenCase{"deliver_ucs2_detail", "deliver_ucs2.pdu", {"--detail"}},
+                      GoldenCase{"status_report", "status_report.pdu", {}},
+                      GoldenCase{"status_report_detail", "status_report.pdu", {"--detail"}},
+                      GoldenCase{"long_message", "long_message.pdu", {}},
+                      GoldenCase{"long_message_detail", "long_message.pdu", {"--detail"}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Decode, ArgumentsAndStandardInputGiveTheSameLines) {
+    const std::string pdus = read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/status_report.pdu");
+    std::vector<std::string> args{"decode"};
+    for (const auto& line : lines_of(pdus)) {
+        if (!line.empty() && line[0] != '#') args.push_back(line);
+    }
+    ASSERT_EQ(args.size(), 3U);
+    EXPECT_EQ(run_tool(args).out, run_tool({"decode"}, pdus).out);
+}
+
+TEST(Decode, GoodPdusStillPrintWhenAnotherFails) {
+    const std::string good = lines_of(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/deliver_7bit.pdu")).at(1);
+    const ToolRun run = run_tool({"decode", good, "zz", good});
+    EXPECT_EQ(run.status, 1);
+    const auto lines = lines_of(run.out);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(json::parse(lines[0])["type"], "deliver");
+    EXPECT_TRUE(json::parse(lines[1]).contains("error"));
+    EXPECT_EQ(lines[2], lines[0]);
+}
+
+struct BadPduCase {
+    const char* name;
+    std::string pdu;
+    const char* state;
+    const char* error_part;
+    json result;      // null when the library was not called
+    json error_code;  // null when the library sets none
+};
+
+class DecodeBadPdu : public ::testing::TestWithParam<BadPduCase> {};
+
+TEST_P(DecodeBadPdu, PrintsTheCauseAndExitsWithOne) {
+    const auto& c = GetParam();
+    const ToolRun run = run_tool({"decode", "--state", c.state, c.pdu});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "");
+    const auto lines = lines_of(run.out);
+    ASSERT_EQ(lines.size(), 1U) << run.out;
+    const json out = json::parse(lines[0]);
+    EXPECT_EQ(out["pdu"], c.pdu);
+    EXPECT_NE(out["error"].get<std::string>().find(c.error_part), std::string::npos) << out["error"];
+    EXPECT_EQ(out["result"], c.result);
+    EXPECT_EQ(out["error_code"], c.error_code);
+}
+
+// Service centre +8613912340000 in front of each TPDU.
+const std::string kSc = "0891683119320400F0";
+// DELIVER from 12345, 7-bit, time stamp 2024-05-06 07:08:09, text "hi".
+const std::string kDeliverHead = "0405812143F50000";
+const std::string kDeliverTail = "02E834";
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, DecodeBadPdu,
+    ::testing::Values(
+        BadPduCase{"NotHex", "0891zz", "1", "not a hexadecimal text", nullptr, nullptr},
+        BadPduCase{"OddLength", kSc + "040", "1", "odd number", nullptr, nullptr},
+        BadPduCase{"TooLong", kSc + std::string(496, '0'), "1", "longer than 512", nullptr, nullptr},
+        BadPduCase{"ServiceCentreCutShort", "0891683119", "1", "ends before", -1, nullptr},
+        BadPduCase{"ServiceCentreTooLong", "0A91" + std::string(18, '1') + "0400", "1", "length 10", -1, nullptr},
+        BadPduCase{"NoServiceCentre", "00" + kDeliverHead + "42506070809023" + kDeliverTail, "1", "no digits", -1,
+                   nullptr},
+        BadPduCase{"ReservedType", kSc + "03", "1", "TP-MTI 3", -1, nullptr},
+        BadPduCase{"SubmitReadAsReceived", kSc + "1100058121", "1", "--state 2 or 3", -1, nullptr},
+        BadPduCase{"YearOutOfRange", kSc + kDeliverHead + "99506070809023" + kDeliverTail, "1", "year 99", -1,
+                   SMS_ERR_DECODE},
+        BadPduCase{"AddressTooLong", kSc + "041581" + std::string(22, '1') + "0000" + "42506070809023" + kDeliverTail,
+                   "0", "address longer than 20", -1, SMS_ERR_DECODE},
+        // An escape followed by a code that the extension table leaves empty.
+        BadPduCase{"EscapeWithoutCharacter", kSc + kDeliverHead + "42506070809023" + "029B20", "1",
+                   "does not convert", -1, nullptr}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Decode, SkipsBlankAndCommentLines) {
+    const std::string good = lines_of(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/deliver_7bit.pdu")).at(1);
+    const ToolRun run = run_tool({"decode"}, "\n# a comment\n  " + good + "  \r\n\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(lines_of(run.out).size(), 1U);
+}
+
+}  // namespace
+}  // namespace smsutil::cli::test

@@ -1,0 +1,58 @@
+#include "run_tool.hpp"
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+namespace smsutil::cli::test {
+namespace {
+
+std::string shell_quote(const std::string& arg) {
+    std::string quoted = "'";
+    for (char c : arg) {
+        if (c == '\'') {
+            quoted += "'\\''";
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + "'";
+}
+
+}  // namespace
+
+std::string read_file(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+ToolRun run_tool(const std::vector<std::string>& args, const std::string& input) {
+    const std::string dir = SMSUTIL_CLI_WORK_DIR;
+    const std::string in_path = dir + "/stdin.txt";
+    const std::string out_path = dir + "/stdout.txt";
+    const std::string err_path = dir + "/stderr.txt";
+    std::ofstream(in_path, std::ios::binary) << input;
+    std::string command = shell_quote(SMSUTIL_TOOL_PATH);
+    for (const auto& arg : args) command += " " + shell_quote(arg);
+    command += " <" + shell_quote(in_path) + " >" + shell_quote(out_path) + " 2>" + shell_quote(err_path);
+    const int raw = std::system(command.c_str());
+    ToolRun run;
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.out = read_file(out_path);
+    run.err = read_file(err_path);
+    return run;
+}
+
+std::vector<std::string> lines_of(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    std::string line;
+    while (std::getline(in, line)) lines.push_back(line);
+    return lines;
+}
+
+}  // namespace smsutil::cli::test

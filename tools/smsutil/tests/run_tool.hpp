@@ -1,0 +1,22 @@
+// Runs the built smsutil binary as a user would and captures what it says.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace smsutil::cli::test {
+
+struct ToolRun {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+ToolRun run_tool(const std::vector<std::string>& args, const std::string& input = "");
+
+std::string read_file(const std::string& path);
+
+// Lines of a text without their line ends; no entry for a last empty line.
+std::vector<std::string> lines_of(const std::string& text);
+
+}  // namespace smsutil::cli::test

@@ -1,0 +1,57 @@
+#include "text_coding.hpp"
+
+#include <map>
+
+#include "smsutil/smsutil.h"
+
+namespace smsutil::cli {
+namespace {
+
+// Four packs of 160 codes at most; anything longer is refused when split.
+constexpr int32_t kMaxGsm7Codes = 4096;
+
+}  // namespace
+
+void add_text_options(CLI::App& cmd, TextOptions& options) {
+    static const std::map<std::string, Coding> kCodings{
+        {"auto", Coding::Auto}, {"gsm7", Coding::Gsm7}, {"ucs2", Coding::Ucs2}};
+    static const std::map<std::string, uint32_t> kLanguages{{"none", 0}, {"turkish", 1}, {"spanish", 2}};
+    cmd.add_option("--coding", options.coding, "auto (GSM 7-bit when every character fits, else UCS-2), gsm7, ucs2")
+        ->transform(CLI::CheckedTransformer(kCodings))
+        ->default_str("auto");
+    cmd.add_option("--lang", options.language, "National language of the 7-bit text: none, turkish, spanish")
+        ->transform(CLI::CheckedTransformer(kLanguages))
+        ->default_str("none");
+}
+
+const char* coding_name(Coding coding) {
+    switch (coding) {
+    case Coding::Gsm7: return "gsm7";
+    case Coding::Ucs2: return "ucs2";
+    default: return "auto";
+    }
+}
+
+const char* language_name(uint32_t language) {
+    switch (language) {
+    case 0: return "none";
+    case 1: return "turkish";
+    case 2: return "spanish";
+    default: return "unknown";
+    }
+}
+
+std::optional<std::vector<uint8_t>> utf8_to_gsm7(const std::string& text, uint32_t language) {
+    std::vector<uint8_t> codes(kMaxGsm7Codes, 0);
+    uint32_t length = 0;
+    if (UTF8_TO_7BIT(text.c_str(), codes.data(), kMaxGsm7Codes, &length, language) != 0) return std::nullopt;
+    codes.resize(length);
+    return codes;
+}
+
+Coding resolve_coding(const TextOptions& options, const std::string& text) {
+    if (options.coding != Coding::Auto) return options.coding;
+    return utf8_to_gsm7(text, options.language) ? Coding::Gsm7 : Coding::Ucs2;
+}
+
+}  // namespace smsutil::cli
