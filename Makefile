@@ -30,3 +30,18 @@ demo: build
 
 clean:
 	rm -rf build
+
+# Benchmarks with tracing on (log on a tmpfs) and compiled out; medians of
+# repeated runs.  BENCH_ARGS=--benchmark_filter=parse_sms narrows the run.
+BENCH_ARGS ?=
+BENCH_REPETITIONS ?= 10
+.PHONY: bench
+bench:
+	cmake --preset bench
+	cmake --build --preset bench
+	cmake --preset bench-notrace
+	cmake --build --preset bench-notrace
+	build/bench/bench/smsutil_bench --benchmark_repetitions=$(BENCH_REPETITIONS) \
+		--benchmark_report_aggregates_only=true $(BENCH_ARGS)
+	build/bench-notrace/bench/smsutil_bench --benchmark_repetitions=$(BENCH_REPETITIONS) \
+		--benchmark_report_aggregates_only=true $(BENCH_ARGS)

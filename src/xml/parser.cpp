@@ -60,8 +60,16 @@ bool is_delimiter(const char *p)
     switch (*p) {
     case '>': case '<': case '=': case '"': case '\'': case '\r': case ' ': case '\n': case '\t':
         return true;
+    // The closing sequences are looked for only at their first character:
+    // this runs for every character of every name and value.
+    case ']':
+        return starts_with(p, "]]>");
+    case '-':
+        return starts_with(p, "-->");
+    case '/':
+        return starts_with(p, "/>");
     default:
-        return starts_with(p, "]]>") || starts_with(p, "-->") || starts_with(p, "/>");
+        return false;
     }
 }
 
@@ -71,6 +79,12 @@ bool skip_misc(ParseState &s)
 {
     for (;;) {
         const char *c = s.cursor;
+        // Called before every token: most tokens start with neither "<!"
+        // nor "<?", so the literal comparisons below are skipped for them.
+        if (c[0] != '<' || (c[1] != '!' && c[1] != '?')) {
+            skip_space(s);
+            return true;
+        }
         if (starts_with_nocase(c, "<!--")) {
             const char *end = std::strstr(c, "-->");
             // "<!-->" and "<!--->" are no comments; "--->" ends none but "<!---->".
