@@ -26,16 +26,17 @@ bool plain_number(const char *s)
     return true;
 }
 
-// UCS-2 units of a UTF-8 text up to its first zero unit.
+// UCS-2 units of a UTF-8 text, without U+0000: an overlong sequence can
+// make one, and the transport decoder drops such units as documented.
 std::u16string units_of(const char *utf8)
 {
     uint8_t buf[2 * SMS_PDU_TEXT_SIZE + 2] = {};
-    if (UTF8_TO_UCS2(utf8, buf, static_cast<int32_t>(sizeof buf - 2)) < 0) return u"<error>";
+    const int32_t count = UTF8_TO_UCS2(utf8, buf, static_cast<int32_t>(sizeof buf - 2));
+    if (count < 0) return u"<error>";
     std::u16string out;
-    for (std::size_t i = 0; i + 1 < sizeof buf; i += 2) {
-        const char16_t u = static_cast<char16_t>(buf[i] | (buf[i + 1] << 8));
-        if (u == 0) break;
-        out += u;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count) && 2 * i + 1 < sizeof buf; ++i) {
+        const char16_t u = static_cast<char16_t>(buf[2 * i] | (buf[2 * i + 1] << 8));
+        if (u != 0) out += u;
     }
     return out;
 }
