@@ -1,4 +1,4 @@
-// Input helpers shared by the fuzz targets.  Every target reads a few
+// Input handling shared by the fuzz targets.  Every target reads a few
 // leading control octets (lengths, modes, languages) and takes the rest as
 // its payload; copies go into heap blocks of exactly the size the callee
 // may touch, so that any read or write past them is caught by the address

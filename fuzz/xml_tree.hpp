@@ -1,4 +1,4 @@
-// Tree helpers for the XML fuzz targets.
+// Tree utilities for the XML fuzz targets.
 #pragma once
 
 #include <cstring>
