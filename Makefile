@@ -28,6 +28,14 @@ demo: build
 	@if [ -x build/default/tools/smsutil/smsutil ]; then scripts/demo.sh build/default/tools/smsutil/smsutil; \
 	else echo "smsutil: not yet"; fi
 
+# Every fuzz target for FUZZ_SECONDS seconds, one after another.
+.PHONY: fuzz
+FUZZ_SECONDS ?= 60
+fuzz: deps
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	fuzz/run.sh build/fuzz/fuzz $(FUZZ_SECONDS)
+
 clean:
 	rm -rf build
 

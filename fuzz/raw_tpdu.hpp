@@ -1,0 +1,47 @@
+// A raw TPDU record filled from fuzz input.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+
+#include "fuzz_input.hpp"
+#include "smsutil/wms_ts.h"
+
+namespace fuzzin {
+
+// One control octet: its low bits give the format and type fields (which
+// the decoders must not trust), its top bit a length far beyond the data
+// array.  Otherwise len is the payload's size, which may exceed the 255
+// octets the array holds.
+inline wms_raw_tpdu raw_tpdu(Input &in)
+{
+    wms_raw_tpdu raw{};
+    const uint8_t control = in.byte();
+    raw.format = control & 0x03;
+    raw.tpdu_type = (control >> 2) & 0x07;
+    const std::size_t n = std::min<std::size_t>(in.rest_size(), WMS_MAX_LEN);
+    std::memcpy(raw.data, in.rest(), n);
+    raw.len = (control & 0x80) != 0 ? 0xFFFFFF00u | control : static_cast<uint32_t>(in.rest_size());
+    return raw;
+}
+
+// One TPDU decoder on one input: a defined result, and on success a record
+// whose counts keep a caller's reads inside its arrays.
+template <typename Record, typename Decode>
+int decode_tpdu(const uint8_t *data, std::size_t size, Decode decode)
+{
+    Input in(data, size);
+    const wms_raw_tpdu raw = raw_tpdu(in);
+    Record msg{};  // the caller clears the record
+    const wms_status_e_type rc = decode(&raw, &msg);
+    FUZZ_CHECK(rc == WMS_TS_STATUS_OK || rc == WMS_TS_STATUS_BAD_ADDRESS || rc == WMS_TS_STATUS_BAD_USER_DATA_LENGTH ||
+               rc == WMS_TS_STATUS_BAD_TIME || rc == WMS_TS_STATUS_BAD_VALIDITY_FORMAT);
+    if (rc == WMS_TS_STATUS_OK) {
+        FUZZ_CHECK(msg.address.number_of_digits <= WMS_ADDRESS_DIGITS_SIZE);
+        FUZZ_CHECK(msg.user_data.num_headers <= WMS_UDH_MAX_IES);
+        FUZZ_CHECK(msg.user_data.sm_len <= WMS_MAX_LEN);
+    }
+    return 0;
+}
+
+}  // namespace fuzzin
