@@ -30,18 +30,24 @@ bool is_low(uint32_t unit) { return unit >= kLowSurrogateFirst && unit <= kLowSu
 Utf8Character utf8_character_at(std::string_view text, size_t pos) {
     const auto lead = static_cast<unsigned char>(text[pos]);
     if (lead < 0x80) return {lead, 1};
-    size_t length = 0;
-    uint32_t value = 0;
-    uint32_t smallest = 0;  // below it the sequence is an overlong form
+    struct Lead {
+        size_t length;
+        uint32_t value;
+        uint32_t smallest;  // below it the sequence is an overlong form
+    };
+    Lead form{};
     if (lead >= 0xC2 && lead <= 0xDF) {
-        length = 2, value = lead & 0x1FU, smallest = 0x80;
+        form = {2, lead & 0x1FU, 0x80};
     } else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3, value = lead & 0x0FU, smallest = 0x800;
+        form = {3, lead & 0x0FU, 0x800};
     } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4, value = lead & 0x07U, smallest = kFirstSupplementary;
+        form = {4, lead & 0x07U, kFirstSupplementary};
     } else {
         return {kReplacementCharacter, 1};
     }
+    const size_t length = form.length;
+    uint32_t value = form.value;
+    const uint32_t smallest = form.smallest;
     if (pos + length > text.size()) return {kReplacementCharacter, 1};
     for (size_t i = 1; i < length; ++i) {
         const auto byte = static_cast<unsigned char>(text[pos + i]);

@@ -89,7 +89,12 @@ INSTANTIATE_TEST_SUITE_P(
                       CountCase{"TwoAndThreeBytes", "\xC3\xA7\xE2\x82\xAC", 2, 2, false},
                       CountCase{"Emoji", "a" + kGrinning, 2, 3, true},
                       CountCase{"StrayContinuationByte", "\x80" "a", 2, 2, false},
-                      CountCase{"EncodedSurrogateIsNoCharacter", "\xED\xA0\xBD", 3, 3, false}),
+                      CountCase{"EncodedSurrogateIsNoCharacter", "\xED\xA0\xBD", 3, 3, false},
+                      // Bytes that start no valid sequence count one each.
+                      CountCase{"OverlongNul", "\xC0\x80", 2, 2, false},
+                      CountCase{"CutShortEuro", "\xE2\x82", 2, 2, false},
+                      CountCase{"BeyondLastCodePoint", "\xF4\x90\x80\x80", 4, 4, false},
+                      CountCase{"HighestCodePoint", "\xF4\x8F\xBF\xBF", 1, 2, true}),
     [](const auto& info) { return std::string(info.param.name); });
 
 struct LostCase {
