@@ -50,6 +50,12 @@ run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --re
 run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --ref 42 --at - < examples/turkish.txt"
 run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --ref 42 --at - < examples/turkish.txt | grep -v '^AT' | smsutil decode --state 3"
 
+section "An emoji: sent as one UCS-2 surrogate pair, read back as one character (--raw: the library's bytes)"
+run "smsutil encode --to +8613912345678 --smsc +8613912340000 --at 'See you at 8 👍' | grep -v '^AT' | smsutil decode --state 2 --raw"
+
+section "A Turkish text forced to 7-bit would not arrive as written: the lost character is named, exit status 1"
+run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --coding gsm7 'Kırmızı çiçek' || echo \"exit status \$?\""
+
 section "The sample feature file's national 8-bit table setting"
 run "smsutil xml get examples/optional_feature.xml configuration.FEATURE_SMS.lang_table"
 run "smsutil xml url examples/optional_feature.xml configuration.FEATURE_SMS"

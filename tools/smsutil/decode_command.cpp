@@ -19,6 +19,7 @@ namespace {
 struct DecodeOptions {
     uint32_t state = 1;
     bool detail = false;
+    bool raw = false;
     std::vector<std::string> pdus;
 };
 
@@ -58,6 +59,10 @@ bool decode_one(std::string_view text, const DecodeOptions& options) {
         return false;
     }
     Json out = message_json(*message, tpdu_coding(tpdu));
+    if (options.raw) {
+        const auto* bytes = reinterpret_cast<const uint8_t*>(message->content);
+        out["raw_text"] = octets_to_hex({bytes, strnlen(message->content, sizeof message->content)});
+    }
     if (options.detail) out["detail"] = tpdu_detail(tpdu);
     std::cout << to_line(out) << '\n';
     return true;
@@ -89,6 +94,7 @@ void add_decode_command(CLI::App& app, int& exit_status) {
         ->check(CLI::Range(0, 3))
         ->capture_default_str();
     cmd->add_flag("--detail", options->detail, "Add the TPDU fields as the transport codec decodes them");
+    cmd->add_flag("--raw", options->raw, "Add raw_text: the text's bytes exactly as the library returned them, in hex");
     cmd->add_option("PDU", options->pdus, "Hexadecimal PDUs; read one per line from standard input when none");
     cmd->footer(
         "Examples:\n"

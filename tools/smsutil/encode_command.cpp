@@ -53,9 +53,12 @@ void print_parts(const ComposeOutcome& outcome, Coding coding, bool at_commands)
 int run_encode(const EncodeOptions& options) {
     const TextOptions& text_options = options.text_options;
     Coding coding = resolve_coding(text_options, options.text);
-    if (coding == Coding::Gsm7 && !utf8_to_gsm7(options.text, text_options.language)) {
-        return print_error(std::string("the text has characters without a GSM 7-bit code under language ") +
-                           language_name(text_options.language) + "; use --coding ucs2");
+    if (coding == Coding::Gsm7) {
+        if (auto lost = first_character_without_gsm7_code(options.text, text_options.language)) {
+            return print_error(std::string("the text has a character without a GSM 7-bit code under language ") +
+                               language_name(text_options.language) + ": " + describe(*lost) +
+                               ", would be lost; use --coding ucs2 or auto");
+        }
     }
     ComposeOutcome outcome = compose_text(options.request, options.text, coding);
     // Auto promises a message that arrives as written: when the 7-bit form

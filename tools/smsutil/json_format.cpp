@@ -5,6 +5,8 @@
 #include <cstring>
 #include <iostream>
 
+#include "surrogate_text.hpp"
+
 namespace smsutil::cli {
 namespace {
 
@@ -115,7 +117,9 @@ Json message_json(const SmsMessage& message, const Json& coding) {
     out["type"] = message_type(message);
     out["sca"] = text_of(message.sca, sizeof message.sca);
     out["address"] = text_of(message.szAddress, sizeof message.szAddress);
-    out["text"] = text_of(message.content, sizeof message.content);
+    // The library writes each surrogate of an emoji as a character of its
+    // own, which is not UTF-8: the reader gets the character that was sent.
+    out["text"] = from_library_utf8(text_of(message.content, sizeof message.content));
     out["coding"] = coding;
     // A stored SUBMIT has no time stamp: ParseSms leaves the fields at zero.
     if (message.wYear == 0) {

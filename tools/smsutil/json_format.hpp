@@ -46,7 +46,8 @@ const char* alphabet_name(uint8_t alphabet);
 
 // The record ParseSms filled.  coding is the alphabet the TPDU announced
 // (the record itself reports UTF-8 once the text is converted); null when
-// the message carries no text.
+// the message carries no text.  text is valid UTF-8 whatever the library
+// returned.
 Json message_json(const SmsMessage& message, const Json& coding);
 
 }  // namespace smsutil::cli

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "smsutil/smsutil.h"
+#include "surrogate_text.hpp"
 
 namespace smsutil::cli {
 namespace {
@@ -49,9 +50,21 @@ std::optional<std::vector<uint8_t>> utf8_to_gsm7(const std::string& text, uint32
     return codes;
 }
 
+std::optional<LostCharacter> first_character_without_gsm7_code(const std::string& text, uint32_t language) {
+    size_t position = 1;
+    for (size_t pos = 0; pos < text.size(); ++position) {
+        const Utf8Character c = utf8_character_at(text, pos);
+        if (c.code_point > 0xFFFF || !utf8_to_gsm7(text.substr(pos, c.length), language)) {
+            return LostCharacter{position, c.code_point};
+        }
+        pos += c.length;
+    }
+    return std::nullopt;
+}
+
 Coding resolve_coding(const TextOptions& options, const std::string& text) {
     if (options.coding != Coding::Auto) return options.coding;
-    return utf8_to_gsm7(text, options.language) ? Coding::Gsm7 : Coding::Ucs2;
+    return first_character_without_gsm7_code(text, options.language) ? Coding::Ucs2 : Coding::Gsm7;
 }
 
 }  // namespace smsutil::cli

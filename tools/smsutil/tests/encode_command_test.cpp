@@ -19,18 +19,6 @@ const std::string kTo = "+8613912345678";
 const std::string kSmsc = "+8613912340000";
 constexpr size_t kSmscOctets = 9;  // 08 91 and seven digit octets
 
-std::string repeat(const std::string& piece, size_t times) {
-    std::string text;
-    for (size_t i = 0; i < times; ++i) text += piece;
-    return text;
-}
-
-std::vector<json> json_lines(const std::string& out) {
-    std::vector<json> values;
-    for (const auto& line : lines_of(out)) values.push_back(json::parse(line));
-    return values;
-}
-
 struct RoundTripCase {
     const char* name;
     std::string text;

@@ -55,4 +55,16 @@ std::vector<std::string> lines_of(const std::string& text) {
     return lines;
 }
 
+std::vector<nlohmann::json> json_lines(const std::string& out) {
+    std::vector<nlohmann::json> values;
+    for (const auto& line : lines_of(out)) values.push_back(nlohmann::json::parse(line));
+    return values;
+}
+
+std::string repeat(const std::string& piece, size_t times) {
+    std::string text;
+    for (size_t i = 0; i < times; ++i) text += piece;
+    return text;
+}
+
 }  // namespace smsutil::cli::test

@@ -1,8 +1,11 @@
 // Runs the built smsutil binary as a user would and captures what it says.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 namespace smsutil::cli::test {
 
@@ -18,5 +21,11 @@ std::string read_file(const std::string& path);
 
 // Lines of a text without their line ends; no entry for a last empty line.
 std::vector<std::string> lines_of(const std::string& text);
+
+// One JSON value per output line.
+std::vector<nlohmann::json> json_lines(const std::string& out);
+
+// The piece written times times over.
+std::string repeat(const std::string& piece, size_t times);
 
 }  // namespace smsutil::cli::test
