@@ -101,10 +101,7 @@ INSTANTIATE_TEST_SUITE_P(
                    [](const auto &bd) { EXPECT_EQ(bd.num_messages, 90); }},
         DecodeCase{"priority_longer_than_needed", {0x08, 0x02, 0xC0, 0xFF, 0x0F, 0x01, 0x40}, 0,
                    WMS_MASK_BD_PRIORITY | WMS_MASK_BD_DISPLAY_MODE,
-                   [](const auto &bd) {
-                       EXPECT_EQ(bd.priority, 3u);
-                       EXPECT_EQ(std::uint32_t{bd.display_mode}, 1u);
-                   }},
+                   [](const auto &bd) { EXPECT_EQ(bd.priority, 3u); EXPECT_EQ(std::uint32_t{bd.display_mode}, 1u); }},
         DecodeCase{"reply_option", {0x0A, 0x01, 0x40}, 0, WMS_MASK_BD_REPLY_OPTION,
                    [](const auto &bd) {
                        EXPECT_EQ(bd.user_ack_requested, 0);

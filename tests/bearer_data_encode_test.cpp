@@ -100,10 +100,7 @@ INSTANTIATE_TEST_SUITE_P(
         EncodeCase{"alert_written_twice", [](auto &bd) { bd.mask = WMS_MASK_BD_ALERT; },
                    {0x0C, 0x00, 0x0C, 0x00}},
         EncodeCase{"display_mode_top_bits",
-                   [](auto &bd) {
-                       bd.mask = WMS_MASK_BD_DISPLAY_MODE;
-                       bd.display_mode = 3;
-                   },
+                   [](auto &bd) { bd.mask = WMS_MASK_BD_DISPLAY_MODE; bd.display_mode = 3; },
                    {0x0F, 0x01, 0xC0}},
         EncodeCase{"priority_and_privacy",
                    [](auto &bd) {
@@ -113,28 +110,16 @@ INSTANTIATE_TEST_SUITE_P(
                    },
                    {0x08, 0x01, 0x80, 0x09, 0x01, 0x40}},
         EncodeCase{"reply_option_user_ack_only",
-                   [](auto &bd) {
-                       bd.mask = WMS_MASK_BD_REPLY_OPTION;
-                       bd.user_ack_requested = 1;
-                   },
+                   [](auto &bd) { bd.mask = WMS_MASK_BD_REPLY_OPTION; bd.user_ack_requested = 1; },
                    {0x0A, 0x01, 0x80}},
         EncodeCase{"number_of_messages_as_two_digits",
-                   [](auto &bd) {
-                       bd.mask = WMS_MASK_BD_NUM_OF_MSGS;
-                       bd.num_messages = 42;
-                   },
+                   [](auto &bd) { bd.mask = WMS_MASK_BD_NUM_OF_MSGS; bd.num_messages = 42; },
                    {0x0B, 0x01, 0x42}},
         EncodeCase{"language_low_octet",
-                   [](auto &bd) {
-                       bd.mask = WMS_MASK_BD_LANGUAGE;
-                       bd.language = 0x1FF;
-                   },
+                   [](auto &bd) { bd.mask = WMS_MASK_BD_LANGUAGE; bd.language = 0x1FF; },
                    {0x0D, 0x01, 0xFF}},
         EncodeCase{"user_response",
-                   [](auto &bd) {
-                       bd.mask = WMS_MASK_BD_USER_RESP;
-                       bd.user_response = 0x7E;
-                   },
+                   [](auto &bd) { bd.mask = WMS_MASK_BD_USER_RESP; bd.user_response = 0x7E; },
                    {0x02, 0x01, 0x7E}},
         EncodeCase{"absolute_times_six_octets",
                    [](auto &bd) {
@@ -144,10 +129,7 @@ INSTANTIATE_TEST_SUITE_P(
                    },
                    {0x03, 0x06, 0x26, 0x11, 0x22, 0x23, 0x59, 0x01, 0x06, 0x06, 0x27, 0x01, 0x02, 0x03, 0x04, 0x05}},
         EncodeCase{"relative_validity_one_day",
-                   [](auto &bd) {
-                       bd.mask = WMS_MASK_BD_VALID_REL;
-                       bd.validity_relative.day = 0x01;
-                   },
+                   [](auto &bd) { bd.mask = WMS_MASK_BD_VALID_REL; bd.validity_relative.day = 0x01; },
                    {0x05, 0x01, 167}},
         EncodeCase{"octet_user_data",
                    [](auto &bd) {
@@ -209,34 +191,37 @@ INSTANTIATE_TEST_SUITE_P(
                    {0x0E, 0x04, 0x91, 0x02, 0x34, 0x35}}),
     [](const auto &info) { return std::string(info.param.name); });
 
-TEST(BearerDataEncodeOrder, EverySubparameterInItsPlace)
+struct OrderCase {
+    const char *name;
+    std::uint32_t is91_type;  // 0: no IS-91 payload
+    Octets ids;
+};
+
+void PrintTo(const OrderCase &c, std::ostream *os) { *os << c.name; }
+
+class BearerDataEncodeOrder : public ::testing::TestWithParam<OrderCase> {};
+
+// With every mask bit set, each subparameter appears once in its place,
+// except those an IS-91 payload stands for.
+TEST_P(BearerDataEncodeOrder, WritesTheseSubparameters)
 {
     wms_cdma_bearer_data bd = empty_bearer_data();
+    if (GetParam().is91_type != 0) is91(bd, GetParam().is91_type, "");
     bd.mask = 0xFFFF;
     wms_raw_tpdu raw{};
     ASSERT_EQ(wms_ts_encode_CDMA_bd(&bd, &raw), WMS_TS_STATUS_OK);
-    EXPECT_EQ(subparameter_ids(raw), (Octets{0, 12, 15, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14}));
+    EXPECT_EQ(subparameter_ids(raw), GetParam().ids);
 }
 
-TEST(BearerDataEncodeOrder, VoiceMailLeavesOutWhatItsPayloadCarries)
-{
-    wms_cdma_bearer_data bd = empty_bearer_data();
-    is91(bd, WMS_IS91EP_VOICE_MAIL, "");
-    bd.mask = 0xFFFF;
-    wms_raw_tpdu raw{};
-    ASSERT_EQ(wms_ts_encode_CDMA_bd(&bd, &raw), WMS_TS_STATUS_OK);
-    EXPECT_EQ(subparameter_ids(raw), (Octets{0, 12, 15, 1, 2, 3, 4, 5, 6, 7, 9, 10, 12, 13, 14}));
-}
-
-TEST(BearerDataEncodeOrder, CallbackOrderEndsBeforeTheCallbackSubparameter)
-{
-    wms_cdma_bearer_data bd = empty_bearer_data();
-    is91(bd, WMS_IS91EP_CLI_ORDER, "");
-    bd.mask = 0xFFFF;
-    wms_raw_tpdu raw{};
-    ASSERT_EQ(wms_ts_encode_CDMA_bd(&bd, &raw), WMS_TS_STATUS_OK);
-    EXPECT_EQ(subparameter_ids(raw), (Octets{0, 12, 15, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
-}
+INSTANTIATE_TEST_SUITE_P(
+    FullMask, BearerDataEncodeOrder,
+    ::testing::Values(
+        OrderCase{"every_subparameter", 0, {0, 12, 15, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14}},
+        OrderCase{"voice_mail_leaves_out_priority_and_count", WMS_IS91EP_VOICE_MAIL,
+                  {0, 12, 15, 1, 2, 3, 4, 5, 6, 7, 9, 10, 12, 13, 14}},
+        OrderCase{"callback_order_ends_before_the_callback", WMS_IS91EP_CLI_ORDER,
+                  {0, 12, 15, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 TEST(BearerDataEncodeLimits, CallbackNeverWritesMoreThan32Digits)
 {
@@ -256,7 +241,7 @@ struct FailCase {
     const char *name;
     std::function<void(wms_cdma_bearer_data &)> fill;
     wms_status_e_type status;
-    std::uint32_t len;  // octets of the subparameters before the failing one
+    std::uint32_t len;  // on failure: octets of the subparameters before the failing one
 };
 
 void PrintTo(const FailCase &c, std::ostream *os) { *os << c.name; }
@@ -276,8 +261,11 @@ TEST_P(BearerDataEncodeFailure, StopsWithThisResult)
 void with_id(wms_cdma_bearer_data &bd) { bd.mask |= WMS_MASK_BD_MSG_ID; }
 
 INSTANTIATE_TEST_SUITE_P(
-    Refused, BearerDataEncodeFailure,
+    Limits, BearerDataEncodeFailure,
     ::testing::Values(
+        FailCase{"largest_octet_user_data_fits",
+                 [](auto &bd) { bd.mask = WMS_MASK_BD_USER_DATA; bd.user_data.data_len = 229; },
+                 WMS_TS_STATUS_OK, 2 + 231},
         FailCase{"is91_counts_disagree",
                  [](auto &bd) {
                      with_id(bd);
@@ -286,10 +274,7 @@ INSTANTIATE_TEST_SUITE_P(
                  },
                  WMS_TS_STATUS_BAD_USER_DATA_LENGTH, 5},
         FailCase{"is91_unknown_type",
-                 [](auto &bd) {
-                     with_id(bd);
-                     is91(bd, 134, "A");
-                 },
+                 [](auto &bd) { with_id(bd); is91(bd, 134, "A"); },
                  WMS_TS_STATUS_BAD_IS91EP_TYPE, 5},
         FailCase{"is91_voice_mail_past_229_values",
                  [](auto &bd) {
@@ -300,11 +285,7 @@ INSTANTIATE_TEST_SUITE_P(
                  },
                  WMS_TS_STATUS_BAD_USER_DATA_LENGTH, 5},
         FailCase{"octets_past_229_units",
-                 [](auto &bd) {
-                     with_id(bd);
-                     bd.mask |= WMS_MASK_BD_USER_DATA;
-                     bd.user_data.data_len = 230;
-                 },
+                 [](auto &bd) { with_id(bd); bd.mask |= WMS_MASK_BD_USER_DATA; bd.user_data.data_len = 230; },
                  WMS_TS_STATUS_BAD_USER_DATA_LENGTH, 5},
         FailCase{"bearer_data_past_255_octets",
                  [](auto &bd) {
@@ -316,16 +297,6 @@ INSTANTIATE_TEST_SUITE_P(
                  },
                  WMS_TS_STATUS_BAD_ADDRESS, 249}),
     [](const auto &info) { return std::string(info.param.name); });
-
-TEST(BearerDataEncodeLimits, LargestOctetUserDataFits)
-{
-    wms_cdma_bearer_data bd = empty_bearer_data();
-    bd.mask = WMS_MASK_BD_USER_DATA;
-    bd.user_data.data_len = 229;
-    wms_raw_tpdu raw{};
-    ASSERT_EQ(wms_ts_encode_CDMA_bd(&bd, &raw), WMS_TS_STATUS_OK);
-    EXPECT_EQ(std::uint32_t{raw.len}, 2u + 231u);
-}
 
 TEST(BearerDataEncodeLimits, NullArgumentsAreRefused)
 {

@@ -52,13 +52,12 @@ struct Assign {
     uint32_t expected_capacity;
 };
 
-class MemBufAssign : public ::testing::TestWithParam<Assign> {};
+class MemBufAssign : public MemBuf, public ::testing::WithParamInterface<Assign> {};
 
 TEST_P(MemBufAssign, ShrinksOnlyBeyondOneStep)
 {
     const Assign &c = GetParam();
-    XML_MemBuf buf;
-    XML_MembufInit(&buf);
+    XML_MemBuf &buf = buf_;
     const std::string fill(c.fill, 'f');
     ASSERT_EQ(XML_MemBufAppendStr(&buf, std::string(c.capacity, 'c').c_str()), XML_OK);
     ASSERT_EQ(buf.capacity, c.capacity);
@@ -69,7 +68,6 @@ TEST_P(MemBufAssign, ShrinksOnlyBeyondOneStep)
     EXPECT_EQ(buf.capacity, c.expected_capacity);
     EXPECT_EQ(buf.length, c.assigned);
     EXPECT_EQ(std::string(buf.data), value);
-    XML_MembufDestroy(&buf);
 }
 
 INSTANTIATE_TEST_SUITE_P(Capacity, MemBufAssign,

@@ -122,15 +122,12 @@ TEST_F(National8bit, ReadsTheSettingAtEveryCall)
 {
     Bytes out;
     uint32_t len = 0;
-    write_feature_file(setting_document("2"));
-    ASSERT_EQ(convert({0xAC}, 2 + 1, out, len), 0);
-    EXPECT_EQ(out[1], 0x09);
-    write_feature_file(setting_document("1"));
-    ASSERT_EQ(convert({0xAC}, 2 + 1, out, len), 0);
-    EXPECT_EQ(out[1], 0x63);
-    std::filesystem::remove(SMSUTIL_FEATURE_FILE);
-    ASSERT_EQ(convert({0xAC}, 2 + 1, out, len), 0);
-    EXPECT_EQ(out[1], 0x63);
+    for (const char *value : {"2", "1", ""}) {
+        if (*value) write_feature_file(setting_document(value));
+        else std::filesystem::remove(SMSUTIL_FEATURE_FILE);
+        ASSERT_EQ(convert({0xAC}, 2 + 1, out, len), 0);
+        EXPECT_EQ(out[1], *value == '2' ? 0x09 : 0x63) << "setting '" << value << "'";
+    }
 }
 
 // ---- Conversion and its capacity ----
