@@ -1,5 +1,7 @@
 // A DELIVER or SUBMIT decoded from any octets, encoded again, decodes to
 // the same record: the encoder writes back everything the decoder took in.
+#include <type_traits>
+
 #include "raw_tpdu.hpp"
 
 namespace {
@@ -29,16 +31,39 @@ Record &comparable(Record &r)
 }
 
 template <typename Record, typename Decode, typename Encode>
+Record encode_and_decode(const Record &record, Decode decode, Encode encode)
+{
+    wms_raw_tpdu raw{};
+    FUZZ_CHECK(encode(&record, &raw) == WMS_TS_STATUS_OK);
+    FUZZ_CHECK(raw.len <= WMS_MAX_LEN);
+    Record back{};
+    FUZZ_CHECK(decode(&raw, &back) == WMS_TS_STATUS_OK);
+    return back;
+}
+
+// A return-call DELIVER (TP-PID 0x5F) is read as a voice-mail indication to
+// store, whatever its TP-DCS said; the alphabet may then be written under
+// another DCS and the text read differently.  Such a record must be stable
+// from its first rewrite on.
+template <typename Record>
+bool dcs_replaced_on_reading(const Record &r)
+{
+    if constexpr (std::is_same_v<Record, wms_gw_deliver>) return r.pid == 0x5F;
+    return false;
+}
+
+template <typename Record, typename Decode, typename Encode>
 void round_trip(const wms_raw_tpdu &raw, Decode decode, Encode encode)
 {
     Record first{};
     if (decode(&raw, &first) != WMS_TS_STATUS_OK) return;
     if (!writes_back(first.user_data_header_present, first.dcs, first.user_data)) return;
-    wms_raw_tpdu again{};
-    FUZZ_CHECK(encode(&first, &again) == WMS_TS_STATUS_OK);
-    FUZZ_CHECK(again.len <= WMS_MAX_LEN);
-    Record second{};
-    FUZZ_CHECK(decode(&again, &second) == WMS_TS_STATUS_OK);
+    Record second = encode_and_decode(first, decode, encode);
+    if (dcs_replaced_on_reading(first)) {
+        first = second;
+        if (!writes_back(first.user_data_header_present, first.dcs, first.user_data)) return;
+        second = encode_and_decode(first, decode, encode);
+    }
     FUZZ_CHECK(std::memcmp(&comparable(first), &comparable(second), sizeof first) == 0);
 }
 

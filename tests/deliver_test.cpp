@@ -71,6 +71,25 @@ TEST(DeliverDecode, ReturnCallPidMarksVoicemailWaiting)
     EXPECT_EQ(msg.dcs.alphabet, WMS_ALPHABET_GSM7);
 }
 
+// The store group has no 8-bit form, so an 8-bit return call comes back as
+// UCS-2 store (0xE8) once encoded again; from then on it is stable.
+TEST(DeliverDecode, ReturnCallWithEightBitDataSettlesOnTheUcs2StoreGroup)
+{
+    wms_raw_tpdu raw = raw_from_hex("04028121" "5F04" "32110121000000" "024142");
+    wms_gw_deliver first{};
+    ASSERT_EQ(wms_ts_decode_deliver(&raw, &first), WMS_TS_STATUS_OK);
+    EXPECT_EQ(first.dcs.alphabet, WMS_ALPHABET_8BIT);
+    ASSERT_EQ(wms_ts_encode_deliver(&first, &raw), WMS_TS_STATUS_OK);
+    EXPECT_EQ(raw.data[5], 0xE8);  // TP-DCS
+    wms_gw_deliver second{};
+    ASSERT_EQ(wms_ts_decode_deliver(&raw, &second), WMS_TS_STATUS_OK);
+    EXPECT_EQ(second.dcs.alphabet, WMS_ALPHABET_UCS2);
+    ASSERT_EQ(wms_ts_encode_deliver(&second, &raw), WMS_TS_STATUS_OK);
+    wms_gw_deliver third{};
+    ASSERT_EQ(wms_ts_decode_deliver(&raw, &third), WMS_TS_STATUS_OK);
+    EXPECT_EQ(0, std::memcmp(&second, &third, sizeof third));
+}
+
 TEST(DeliverDecode, ResultCodesForBadFields)
 {
     wms_raw_tpdu raw = raw_from_hex(kKnownDeliver);
