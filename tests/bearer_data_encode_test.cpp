@@ -295,7 +295,17 @@ INSTANTIATE_TEST_SUITE_P(
                      bd.user_data.data_len = 229;
                      for (auto &o : bd.user_data.data) o = 0xFF;
                  },
-                 WMS_TS_STATUS_BAD_ADDRESS, 249}),
+                 WMS_TS_STATUS_BAD_ADDRESS, 249},
+        FailCase{"repeated_alert_past_255_octets",
+                 [](auto &bd) {
+                     // 255 octets with the alert once: bearer data that
+                     // decode fine but cannot be written back.
+                     bd.mask = WMS_MASK_BD_MSG_ID | WMS_MASK_BD_ALERT | WMS_MASK_BD_USER_DATA | WMS_MASK_BD_USER_RESP |
+                               WMS_MASK_BD_PRIORITY | WMS_MASK_BD_PRIVACY | WMS_MASK_BD_REPLY_OPTION |
+                               WMS_MASK_BD_NUM_OF_MSGS;
+                     bd.user_data.data_len = 229;
+                 },
+                 WMS_TS_STATUS_BAD_ADDRESS, 255}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(BearerDataEncodeLimits, NullArgumentsAreRefused)
