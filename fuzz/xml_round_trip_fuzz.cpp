@@ -27,9 +27,11 @@ bool unreadable(const XML_Node *node)
         const std::string_view n(node->name);
         if (n.ends_with("/") || n.ends_with("--") || n.ends_with("]]")) return true;
     }
-    // "<!" and "<?" open markup that is not an element.
-    if (node->kind == XML_NODE_ELEMENT && node->prefix == nullptr && node->name != nullptr &&
-        (node->name[0] == '!' || node->name[0] == '?'))
+    // "<!" and "<?" open markup that is not an element, whether the "!" or
+    // "?" begins the name or the prefix.
+    const char *written_first = node->prefix != nullptr ? node->prefix : node->name;
+    if (node->kind == XML_NODE_ELEMENT && written_first != nullptr &&
+        (written_first[0] == '!' || written_first[0] == '?'))
         return true;
     return node->prefix == nullptr && has_any(node->name, ":");
 }
