@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <random>
 #include <string>
 
 #include "xml_test_support.hpp"
@@ -61,32 +60,6 @@ INSTANTIATE_TEST_SUITE_P(
                       KeyCase{"EmptySegment", "[id]", -1, ""}, KeyCase{"EmptyConditionName", "a.b[=7]", -1, ""},
                       KeyCase{"MissingAttribute", "a.b[zz]", -1, ""}),
     xmltest::case_name<KeyCase>);
-
-// Arbitrary keys over the key syntax's own characters: a failure always
-// leaves the output empty, a success copies some text of the tree, and the
-// bounded form agrees with the plain one.
-TEST(KeyLookupRandom, AnyKeyIsAnsweredSafely)
-{
-    xmltest::Tree tree = xmltest::parse(kDoc);
-    const std::string all_text = "six|seven|eight|plain|first c|deep|6|7|8|v|prefixed";
-    std::mt19937 rng(11);
-    const char alphabet[] = "abcdef.[]=678kvidname";
-    for (int i = 0; i < 5000; ++i) {
-        std::string key;
-        for (int n = static_cast<int>(rng() % 16); n > 0; --n) key += alphabet[rng() % (sizeof alphabet - 1)];
-        char out[64];
-        char bounded[64];
-        const int rc = NDL_XML_GetNodeOrAttr_Node(tree.get(), key.c_str(), out);
-        EXPECT_EQ(NDL_XML_GetNodeOrAttr_NodeEx(tree.get(), key.c_str(), bounded, sizeof bounded), rc) << key;
-        EXPECT_STREQ(bounded, out) << key;
-        if (rc != 0) {
-            EXPECT_EQ(rc, -1);
-            EXPECT_STREQ(out, "") << key;
-        } else if (out[0] != '\0') {
-            EXPECT_NE(all_text.find(out), std::string::npos) << key;
-        }
-    }
-}
 
 TEST(KeyLookupLimits, OverlongPartsAreRefusedNotCut)
 {

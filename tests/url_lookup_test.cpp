@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 #include "xml_test_support.hpp"
@@ -57,21 +56,6 @@ INSTANTIATE_TEST_SUITE_P(
                       UrlCase{"OnlyDots", "...", XML_ERR_NOT_FOUND, ""},
                       UrlCase{"NameAfterIndex", "r.box.1.leaf", XML_OK, "7"}),
     xmltest::case_name<UrlCase>);
-
-TEST(UrlLookupRandom, AnyUrlGivesADefinedAnswer)
-{
-    xmltest::Tree tree = xmltest::parse(kDoc);
-    std::mt19937 rng(5);
-    const char *const pieces[] = {"r", "item", "box", "leaf", "p:item", "x:leaf", "n:n", "0", "1", "3", "9", ".", ":"};
-    for (int i = 0; i < 5000; ++i) {
-        std::string url;
-        for (int n = 1 + static_cast<int>(rng() % 6); n > 0; --n) url += std::string(pieces[rng() % 13]) + ".";
-        XML_Node *out = nullptr;
-        const uint32_t rc = NDL_XML_GetNodeByUrl(tree.get(), url.c_str(), &out);
-        EXPECT_TRUE(rc == XML_OK || rc == XML_ERR_NOT_FOUND || rc == XML_ERR_INDEX) << url;
-        EXPECT_EQ(out != nullptr, rc == XML_OK) << url;
-    }
-}
 
 TEST(UrlLookupArguments, RequiredAndBounded)
 {
