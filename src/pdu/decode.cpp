@@ -131,13 +131,17 @@ sms_pdu_result decode(std::span<const std::uint8_t> octets, unsigned flags, sms_
     }
 }
 
-int hex_value(char c)
-{
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
+// Value of each character as a hexadecimal digit, kNotHex for the others.
+constexpr std::uint8_t kNotHex = 0xFF;
+constexpr std::array<std::uint8_t, 256> kHexValue = [] {
+    std::array<std::uint8_t, 256> t{};
+    for (auto &v : t) v = kNotHex;
+    for (unsigned i = 0; i < 10; ++i) t['0' + i] = static_cast<std::uint8_t>(i);
+    for (unsigned i = 0; i < 6; ++i) t['a' + i] = t['A' + i] = static_cast<std::uint8_t>(10 + i);
+    return t;
+}();
+
+std::uint8_t hex_value(char c) { return kHexValue[static_cast<unsigned char>(c)]; }
 
 }  // namespace
 }  // namespace smsutil::pdu
@@ -154,15 +158,21 @@ SMSUTIL_API int sms_pdu_decode_hex(const char *hex, size_t len, unsigned flags, 
 {
     if (record == nullptr || (hex == nullptr && len != 0)) return SMS_PDU_ERR_NULL;
     std::memset(record, 0, sizeof *record);
+    using smsutil::pdu::hex_value;
+    // A bad digit anywhere wins over an odd length or a long text.
     std::array<uint8_t, SMS_PDU_MAX_INPUT_OCTETS> octets;
-    for (size_t i = 0; i < len; ++i)
-        if (smsutil::pdu::hex_value(hex[i]) < 0) return SMS_PDU_ERR_BAD_HEX;
+    const size_t pairs = len / 2;
+    bool bad = len % 2 != 0 && hex_value(hex[len - 1]) == smsutil::pdu::kNotHex;
+    for (size_t i = 0; i < pairs; ++i) {
+        const uint8_t hi = hex_value(hex[2 * i]);
+        const uint8_t lo = hex_value(hex[2 * i + 1]);
+        bad |= (hi | lo) == smsutil::pdu::kNotHex;
+        if (i < octets.size()) octets[i] = static_cast<uint8_t>(hi << 4 | (lo & 0x0F));
+    }
+    if (bad) return SMS_PDU_ERR_BAD_HEX;
     if (len % 2 != 0) return SMS_PDU_ERR_ODD_LENGTH;
-    if (len / 2 > octets.size()) return SMS_PDU_ERR_TOO_LONG;
-    for (size_t i = 0; i < len / 2; ++i)
-        octets[i] = static_cast<uint8_t>(smsutil::pdu::hex_value(hex[2 * i]) << 4 |
-                                         smsutil::pdu::hex_value(hex[2 * i + 1]));
-    return smsutil::pdu::decode(std::span<const uint8_t>(octets.data(), len / 2), flags, *record);
+    if (pairs > octets.size()) return SMS_PDU_ERR_TOO_LONG;
+    return smsutil::pdu::decode(std::span<const uint8_t>(octets.data(), pairs), flags, *record);
 }
 
 }  // extern "C"

@@ -30,14 +30,27 @@ struct Decoder {
 };
 
 // Appends UTF-8 to a fixed buffer, always leaving room for the terminating
-// zero; a character that does not fit is dropped whole.
+// zero, which goes in when the writer is done; a character that does not
+// fit is dropped whole.
 class Utf8Out {
 public:
-    explicit Utf8Out(std::span<char> buf) : buf_(buf) { buf_[0] = '\0'; }
-    void put(char32_t c);
+    explicit Utf8Out(std::span<char> buf) : buf_(buf) {}
+    ~Utf8Out() { buf_[len_] = '\0'; }
+    Utf8Out(const Utf8Out &) = delete;
+    Utf8Out &operator=(const Utf8Out &) = delete;
+
+    void put(char32_t c)
+    {
+        if (c < 0x80 && len_ + 1 < buf_.size()) {
+            buf_[len_++] = static_cast<char>(c);
+            return;
+        }
+        put_multibyte(c);
+    }
     std::size_t size() const { return len_; }
 
 private:
+    void put_multibyte(char32_t c);
     std::span<char> buf_;
     std::size_t len_ = 0;
 };

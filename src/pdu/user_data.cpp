@@ -124,7 +124,7 @@ void decode_ucs2(Decoder &d, std::span<const std::uint8_t> octets, std::size_t o
 
 }  // namespace
 
-void Utf8Out::put(char32_t c)
+void Utf8Out::put_multibyte(char32_t c)
 {
     char b[4];
     std::size_t n = 0;
@@ -146,7 +146,6 @@ void Utf8Out::put(char32_t c)
     if (len_ + n >= buf_.size()) return;
     std::copy_n(b, n, buf_.begin() + static_cast<std::ptrdiff_t>(len_));
     len_ += n;
-    buf_[len_] = '\0';
 }
 
 void decode_gsm7(Decoder &d, std::span<const std::uint8_t> septets, unsigned locking, unsigned single,
@@ -179,6 +178,8 @@ void decode_gsm7(Decoder &d, std::span<const std::uint8_t> septets, unsigned loc
     }
 }
 
+std::size_t decode_text(Decoder &d, bool readable, std::size_t udl, std::size_t present, std::size_t ud_offset);
+
 sms_pdu_result decode_user_data(Decoder &d)
 {
     sms_pdu_record &r = d.record;
@@ -205,6 +206,17 @@ sms_pdu_result decode_user_data(Decoder &d)
         r.header_length = static_cast<std::uint16_t>(std::min(header_end, present));
     }
 
+    r.text_length = static_cast<std::uint16_t>(decode_text(d, readable, udl, present, ud_offset));
+    if (present < announced) return SMS_PDU_ERR_TRUNCATED_USER_DATA;
+    if (!d.in.at_end()) d.problem(SMS_PDU_PROBLEM_TRAILING_OCTETS, d.in.position());
+    return SMS_PDU_OK;
+}
+
+// The text of the user data now in the record; its length in bytes.
+std::size_t decode_text(Decoder &d, bool readable, std::size_t udl, std::size_t present, std::size_t ud_offset)
+{
+    sms_pdu_record &r = d.record;
+    const bool septets = r.dcs.alphabet == SMS_PDU_ALPHABET_GSM7 && r.dcs.compressed == 0;
     Utf8Out text(r.text);
     if (readable && r.dcs.compressed != 0) {
         d.problem(SMS_PDU_PROBLEM_COMPRESSED, ud_offset);
@@ -223,11 +235,7 @@ sms_pdu_result decode_user_data(Decoder &d)
         decode_ucs2(d, std::span(r.user_data + r.header_length, present - r.header_length),
                     ud_offset + r.header_length, text);
     }
-    r.text_length = static_cast<std::uint16_t>(text.size());
-
-    if (present < announced) return SMS_PDU_ERR_TRUNCATED_USER_DATA;
-    if (!d.in.at_end()) d.problem(SMS_PDU_PROBLEM_TRAILING_OCTETS, d.in.position());
-    return SMS_PDU_OK;
+    return text.size();
 }
 
 }  // namespace smsutil::pdu
