@@ -95,10 +95,16 @@ sms_pdu_result command(Decoder &d)
     return decode_user_data(d);
 }
 
-sms_pdu_result decode(std::span<const std::uint8_t> octets, unsigned flags, sms_pdu_record &r)
+// Every entry starts from this, whatever it then refuses.
+void clear(sms_pdu_record &r)
 {
     std::memset(&r, 0, sizeof r);
     r.dcs.message_class = SMS_PDU_CLASS_NONE;
+}
+
+sms_pdu_result decode(std::span<const std::uint8_t> octets, unsigned flags, sms_pdu_record &r)
+{
+    clear(r);
     if (octets.size() > SMS_PDU_MAX_INPUT_OCTETS) return SMS_PDU_ERR_TOO_LONG;
     Decoder d{common::OctetReader(octets), r};
     if ((flags & SMS_PDU_DECODE_NO_SCA) == 0) {
@@ -157,7 +163,7 @@ SMSUTIL_API int sms_pdu_decode(const uint8_t *octets, size_t len, unsigned flags
 SMSUTIL_API int sms_pdu_decode_hex(const char *hex, size_t len, unsigned flags, sms_pdu_record *record)
 {
     if (record == nullptr || (hex == nullptr && len != 0)) return SMS_PDU_ERR_NULL;
-    std::memset(record, 0, sizeof *record);
+    smsutil::pdu::clear(*record);
     using smsutil::pdu::hex_value;
     // A bad digit anywhere wins over an odd length or a long text.
     std::array<uint8_t, SMS_PDU_MAX_INPUT_OCTETS> octets;

@@ -2,6 +2,7 @@
 // the data coding scheme.
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "pdu/decoder.hpp"
 #include "pdu/national_tables.hpp"
@@ -87,11 +88,13 @@ bool decode_time(Decoder &d, sms_pdu_time &out)
     const std::size_t offset = d.in.position();
     std::span<const std::uint8_t> o;
     if (!d.in.take(7, o)) return false;
-    bool ok = swapped_bcd(o[0], out.year) & swapped_bcd(o[1], out.month) & swapped_bcd(o[2], out.day) &
-              swapped_bcd(o[3], out.hour) & swapped_bcd(o[4], out.minute) & swapped_bcd(o[5], out.second);
+    // Every field is read even after a bad one, so the record shows them all.
+    std::uint8_t *const fields[] = {&out.year, &out.month, &out.day, &out.hour, &out.minute, &out.second};
+    bool ok = true;
+    for (std::size_t i = 0; i < std::size(fields); ++i) ok = swapped_bcd(o[i], *fields[i]) && ok;
     // The time zone's tens digit has three bits; the fourth is the sign.
     std::uint8_t quarters = 0;
-    ok &= swapped_bcd(static_cast<std::uint8_t>(o[6] & 0xF7), quarters);
+    ok = swapped_bcd(static_cast<std::uint8_t>(o[6] & 0xF7), quarters) && ok;
     out.timezone = static_cast<std::int8_t>((o[6] & 0x08) != 0 ? -quarters : quarters);
     ok = ok && out.month >= 1 && out.month <= 12 && out.day >= 1 && out.day <= 31 && out.hour <= 23 &&
          out.minute <= 59 && out.second <= 59;
