@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "bench_inputs.hpp"
+#include "smsutil/sms_pdu.h"
 
 namespace {
 
@@ -60,12 +61,18 @@ wms_raw_tpdu g_raw;
 wms_cdma_bearer_data g_bd;
 
 SmsReadPdu g_read;
+sms_pdu_record g_record;
 
 // Harness buffers live outside the measured stack.
 bool parse(const SmsReadPdu &pdu)
 {
     g_read = pdu;
     return ParseSms(&g_read, &g_message) == SMS_RESULT_OK;
+}
+
+bool pdu_decode(const SmsReadPdu &pdu)
+{
+    return sms_pdu_decode_hex(pdu.pdu, std::strlen(pdu.pdu), 0, &g_record) == SMS_PDU_OK;
 }
 
 bool xml_parse(const std::string &doc)
@@ -87,6 +94,8 @@ const Entry kEntries[] = {
     {"parse_ucs2_70", [] { return parse(g_in->ucs2); }},
     {"parse_concat_part", [] { return parse(g_in->concat); }},
     {"parse_status_report", [] { return parse(g_in->report); }},
+    {"pdu_decode_gsm7_160", [] { return pdu_decode(g_in->gsm7); }},
+    {"pdu_decode_ucs2_70", [] { return pdu_decode(g_in->ucs2); }},
     {"compose_gsm7_160", [] { return ComposeSms(&g_in->compose_gsm7, &g_send) == SMS_RESULT_OK; }},
     {"compose_ucs2_70", [] { return ComposeSms(&g_in->compose_ucs2, &g_send) == SMS_RESULT_OK; }},
     {"split_gsm7_600",

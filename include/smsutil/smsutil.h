@@ -6,6 +6,7 @@
 #include "smsutil/wms_ts.h"
 #include "smsutil/sms_api.h"
 #include "smsutil/sms_charset.h"
+#include "smsutil/sms_pdu.h"
 #include "smsutil/wms_cdma.h"
 #include "smsutil/ndl_xml.h"
 
