@@ -134,9 +134,8 @@ TEST_P(ReassemblyScript, AnswersEveryStepAsExpected)
     }
 }
 
-constexpr const char *kHigh = "\xED\xA0\xBD"; // U+D83D as the message interface writes it
-constexpr const char *kLow = "\xED\xB8\x80";  // U+DE00
-
+// ED A0 BD and ED B8 80: the halves U+D83D and U+DE00 of U+1F600 as the
+// message interface writes them, one three-byte sequence each.
 INSTANTIATE_TEST_SUITE_P(
     Arrivals, ReassemblyScript,
     ::testing::Values(
