@@ -17,7 +17,7 @@
 
 namespace {
 
-struct PartSpec {
+struct PartWanted {
     const char *from = "+111";
     uint16_t reference = 7;
     uint8_t total = 3;
@@ -28,20 +28,20 @@ struct PartSpec {
     uint8_t concatenated = 1;
 };
 
-sms_reasm_part make_part(const PartSpec &spec)
+sms_reasm_part make_part(const PartWanted &wanted)
 {
     sms_reasm_part part;
     std::memset(&part, 0, sizeof part);
-    part.kind = spec.kind;
-    part.concatenated = spec.concatenated;
-    part.reference_bits = spec.bits;
-    part.reference = spec.reference;
-    part.total = spec.total;
-    part.number = spec.number;
-    std::strcpy(part.address, spec.from);
-    part.time.year = static_cast<uint16_t>(2000 + spec.number);
-    part.text = spec.text;
-    part.text_length = static_cast<uint32_t>(std::strlen(spec.text));
+    part.kind = wanted.kind;
+    part.concatenated = wanted.concatenated;
+    part.reference_bits = wanted.bits;
+    part.reference = wanted.reference;
+    part.total = wanted.total;
+    part.number = wanted.number;
+    std::strcpy(part.address, wanted.from);
+    part.time.year = static_cast<uint16_t>(2000 + wanted.number);
+    part.text = wanted.text;
+    part.text_length = static_cast<uint32_t>(std::strlen(wanted.text));
     return part;
 }
 
@@ -73,9 +73,9 @@ struct Store {
         ++self->handed_over;
         if (self->describing) self->log += describe(names[reason], *m);
     }
-    int add(const PartSpec &spec, uint64_t now = 0)
+    int add(const PartWanted &wanted, uint64_t now = 0)
     {
-        const sms_reasm_part part = make_part(spec);
+        const sms_reasm_part part = make_part(wanted);
         const int result = sms_reasm_add(store, &part, now, &out);
         if (result == SMS_REASM_COMPLETE && describing) log += describe("done", out);
         return result;
@@ -106,7 +106,7 @@ struct Store {
 };
 
 struct Step {
-    PartSpec part;
+    PartWanted part;
     uint64_t now;
     int result;             // of the add, or the count expired when expire is set
     const char *log = "";   // messages completed or handed over by this step
