@@ -5,6 +5,7 @@
 #include "smsutil/smsutil_export.h"
 #include "smsutil/wms_ts.h"
 #include "smsutil/sms_api.h"
+#include "smsutil/sms_reassembly.h"
 #include "smsutil/sms_charset.h"
 #include "smsutil/sms_pdu.h"
 #include "smsutil/wms_cdma.h"

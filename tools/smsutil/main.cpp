@@ -36,6 +36,7 @@ int main(int argc, char** argv) {
     smsutil::cli::add_split_command(app, exit_status);
     smsutil::cli::add_cdma_command(app, exit_status);
     smsutil::cli::add_xml_command(app, exit_status);
+    smsutil::cli::add_join_command(app, exit_status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -44,7 +45,7 @@ int main(int argc, char** argv) {
         // A mistyped command reads as a missing one; name what was typed.
         if (app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
             return report_usage_error(std::string("unknown command '") + argv[1] +
-                                      "' (decode, encode, split, cdma, xml)");
+                                      "' (decode, encode, split, join, cdma, xml)");
         }
         return report_usage_error(e.what());
     } catch (const smsutil::cli::UsageError& e) {
