@@ -123,12 +123,6 @@ INSTANTIATE_TEST_SUITE_P(
                    {0x05, 0x00, 0x0C}, 3, 0},
         DecodeCase{"gsm7_header_longer_than_udl", WMS_ALPHABET_GSM7, 7, true,
                    {0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02}, 7, {0, 0}, 0, 1},
-        // The header is read whole even where TP-UDL leaves no room for it: it
-        // is kept and there is no text.
-        DecodeCase{"gsm7_header_past_udl", WMS_ALPHABET_GSM7, 3, true, {0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xE8, 0x32},
-                   6, {0, 0, 0}, 0, 1},
-        DecodeCase{"ucs2_header_past_udl", WMS_ALPHABET_UCS2, 3, true, {0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00, 0x41},
-                   6, {0, 0}, 0, 1},
         DecodeCase{"gsm7_refused_header_reads_all", WMS_ALPHABET_GSM7, 2, true, {0x01, 0x00}, 2, {0x01, 0x00}, 2, 0},
         DecodeCase{"ucs2_zero_units_move_to_the_end", WMS_ALPHABET_UCS2, 6, false,
                    {0x00, 0x41, 0x00, 0x00, 0x00, 0x42}, 6, {0x41, 0x00, 0x42, 0x00, 0x00, 0x00}, 6, 0},
@@ -181,6 +175,21 @@ TEST(UserDataDecodeEdge, ShortDataIsReportedNotRead)
             const auto r = smsutil::transport::decode_user_data(dcs_of(alphabet), udl, cut, true, ud);
             EXPECT_EQ(r.complete, len == wire.size()) << len;
         }
+    }
+}
+
+TEST(UserDataDecodeEdge, HeaderPastUdlIsReadFromTheRestOfTheTpdu)
+{
+    // TP-UDL 3 leaves no room for the header: it is kept, and there is no text.
+    const Octets rest{0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xE8, 0x32};
+    for (uint8_t alphabet : {uint8_t{WMS_ALPHABET_GSM7}, uint8_t{WMS_ALPHABET_UCS2}}) {
+        wms_gw_user_data ud{};
+        const auto r = smsutil::transport::decode_user_data(dcs_of(alphabet), 3, rest, true, ud);
+        EXPECT_TRUE(r.complete);
+        EXPECT_EQ(r.consumed, 6u);
+        EXPECT_EQ(+ud.sm_len, 0);
+        ASSERT_EQ(ud.num_headers, 1);
+        EXPECT_EQ(ud.headers[0].u.concat_8.total_sm, 3);
     }
 }
 

@@ -197,10 +197,9 @@ SMSUTIL_API uint8_t wms_ts_decode_gw_user_data(const wms_gw_dcs *dcs, uint8_t ud
                                                uint8_t header_present, wms_gw_user_data *user_data)
 {
     if (dcs == nullptr || data == nullptr || user_data == nullptr) return 0;
-    // Only the octets TP-UDL announces are read, and a header's own octets,
-    // which its first octet announces.
-    std::size_t size = dcs->alphabet == WMS_ALPHABET_GSM7 ? smsutil::transport::packed_size(udl, 0) : udl;
-    if (header_present != 0) size = std::max<std::size_t>(size, data[0] + 1u);
+    // Only the octets TP-UDL announces are read: without the TPDU's length,
+    // a header that runs past them cannot be read here.
+    const std::size_t size = dcs->alphabet == WMS_ALPHABET_GSM7 ? smsutil::transport::packed_size(udl, 0) : udl;
     const auto result = smsutil::transport::decode_user_data(*dcs, udl, std::span<const uint8_t>(data, size),
                                                              header_present != 0, *user_data);
     return static_cast<uint8_t>(result.consumed);
