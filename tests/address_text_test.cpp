@@ -79,6 +79,8 @@ TEST(HexText, OddCountAndNonHexCharacters)
     AsciiToBcd(out, "123", 3);  // the last character pairs with the terminator
     EXPECT_EQ(out[0], 0x12);
     EXPECT_EQ(out[1], 0x30);
+    AsciiToBcd(out, "123", 1);  // an odd count takes one character beyond
+    EXPECT_EQ(out[0], 0x12);
     AsciiToBcd(out, "zG", 2);  // low four bits of each character
     EXPECT_EQ(out[0], static_cast<uint8_t>((('z' & 0x0F) << 4) | ('G' & 0x0F)));
 }

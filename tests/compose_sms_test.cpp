@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "smsutil/sms_api.h"
 #include "support/alloc_counter.hpp"
@@ -204,6 +205,7 @@ struct AddressRefusal {
     const char *name;
     const char *address;
     const char *sca;
+    std::vector<std::string> lines;  // logged on the way out
 };
 class ComposeAddressRefusal : public ComposeSmsTest, public ::testing::WithParamInterface<AddressRefusal> {};
 
@@ -212,18 +214,29 @@ TEST_P(ComposeAddressRefusal, FailsAndLeavesOutputAlone)
     septets(2);
     std::memset(msg_.szAddress, 0, sizeof msg_.szAddress);
     std::memset(msg_.sca, 0, sizeof msg_.sca);
-    std::memcpy(msg_.szAddress, GetParam().address, std::strlen(GetParam().address));
+    std::memcpy(msg_.szAddress, GetParam().address, std::min(std::strlen(GetParam().address), sizeof msg_.szAddress));
     std::memcpy(msg_.sca, GetParam().sca, std::min(std::strlen(GetParam().sca), sizeof msg_.sca));
     std::strcpy(out_.pdu, "untouched");
     EXPECT_EQ(ComposeSms(&msg_, &out_), -1);
     EXPECT_STREQ(out_.pdu, "untouched");
+#if SMSUTIL_TRACE_ENABLED
+    for (const std::string &line : GetParam().lines) EXPECT_TRUE(logged(line)) << line;
+#endif
 }
+const char kDestinationRefused[] = "EWCheckDialNum in ConstructAddressData function run unsuccessfully!";
+const char kScRefused[] = "EWCheckDialNum in ComposeSCAddrData function run unsuccessfully!";
+const char kScCode[] = "ComposeSCAddrData function run unsuccessfully! The ERROR CODE is 10503";
 INSTANTIATE_TEST_SUITE_P(
     Numbers, ComposeAddressRefusal,
-    ::testing::Values(AddressRefusal{"letter_in_destination", "12a45", "+8612345678901"},
-                      AddressRefusal{"plus_alone_destination", "+", "+8612345678901"},
-                      AddressRefusal{"sca_21_unterminated", "12345", "123456789012345678901"},
-                      AddressRefusal{"sca_illegal", "12345", "86-1"}),
+    ::testing::Values(
+        AddressRefusal{"letter_in_destination", "12a45", "+8612345678901", {kDestinationRefused}},
+        AddressRefusal{"plus_alone_destination", "+", "+8612345678901", {kDestinationRefused}},
+        // 21 digits fill the field with no terminator: refused, never cut to 20.
+        AddressRefusal{"destination_21_unterminated", "123456789012345678901", "+8612345678901",
+                       {"The length of dwlen is 21", kDestinationRefused}},
+        AddressRefusal{"sca_21_unterminated", "12345", "123456789012345678901",
+                       {"The dwlen is 21", kScRefused, kScCode, "ComposeSubmitSms function run unsuccessfully!"}},
+        AddressRefusal{"sca_illegal", "12345", "86-1", {kScRefused, kScCode}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(ComposeSmsTest, EmptyDestinationAndEmptyServiceCentre)

@@ -53,6 +53,14 @@ TEST(DialNumberBounds, ReadsNoFurtherThanOnePastTheLimit)
     EXPECT_EQ(EWCheckDialNum(nullptr, 20), -1);
 }
 
+TEST(DialNumberBounds, LargestMaximumRefusesOnlyTheEmptyNumber)
+{
+    // One past the maximum must not wrap to 0 where size_t has 32 bits.
+    EXPECT_EQ(EWCheckDialNum("12345", UINT32_MAX), 0);
+    EXPECT_EQ(EWCheckDialNum("", UINT32_MAX), -1);
+    EXPECT_EQ(EWCheckDialNum("1", 0), -1);
+}
+
 class AddressData : public smsutil::test::LogTest {};
 
 TEST_F(AddressData, InternationalNumberBecomesTypeOneDigits)

@@ -137,6 +137,15 @@ TEST_F(ParseSmsTest, ConcatenatedDeliverEightAndSixteenBitReference)
     EXPECT_STREQ(out_.content, "part two");
     EXPECT_EQ(out_.mr, 0x1234);
     EXPECT_EQ(out_.btPack, 2);
+
+    // TP-UDL 3 is too short for the header: the part numbers are kept, the
+    // header octets are never read as text.
+    ASSERT_EQ(parse("0891682143658709F1" "440581214" "3F50000425060708090230" "3" "050003120301E832", 1), 0);
+    EXPECT_STREQ(out_.content, "");
+    EXPECT_EQ(out_.sms_flag_type, 1u);
+    EXPECT_EQ(out_.mr, 0x12);
+    EXPECT_EQ(out_.btTotalPack, 3);
+    EXPECT_EQ(out_.btPack, 1);
 }
 
 TEST_F(ParseSmsTest, NationalLanguageHeaderSelectsTheShiftTable)

@@ -62,6 +62,17 @@ TEST(ParseReceiverSeparator, LongerSeparatorLeavesItsTail)
     EXPECT_STREQ(r[0].szNumber, "12");
 }
 
+TEST(ParseReceiverSeparator, EmptySeparatorMatchesAtEveryCharacter)
+{
+    // An empty separator is found where the scan stands: each character
+    // ends an empty receiver and the scan moves on by one.
+    SmsReceiver r[SMS_MAX_RECEIVERS];
+    std::memset(r, 0x7F, sizeof r);
+    ASSERT_EQ(sms_parse_receiver("", "123", r), 3);
+    for (int i = 0; i < 3; ++i) EXPECT_STREQ(r[i].szNumber, "") << i;
+    EXPECT_EQ(r[3].szNumber[0], 0x7F);
+}
+
 struct StrNumCase {
     const char *text;
     int32_t expected;

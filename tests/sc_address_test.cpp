@@ -132,6 +132,11 @@ TEST_F(CentreLog, EmptyDigitsReportZeroLength)
 #if SMSUTIL_TRACE_ENABLED
     EXPECT_TRUE(logged_by("parse_centernum", "src len is[0]"));
 #endif
+    // Too long for a number: the log gives the whole length, not a cap.
+    EXPECT_EQ(parse_centernum(SMS_NUMBER_SIZE, out, "81" "1234567890123456789012"), -1);
+#if SMSUTIL_TRACE_ENABLED
+    EXPECT_TRUE(logged_by("parse_centernum", "src len is[22]")) << log_text();
+#endif
 }
 
 }  // namespace

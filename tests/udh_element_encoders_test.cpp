@@ -117,6 +117,20 @@ INSTANTIATE_TEST_SUITE_P(
                                e.u.eo.reference = 7;
                            }),
                    {0x14, 0x01, 0xC0}},
+        // IEDL 137 is the longest an object may announce; content holds 136
+        // octets, so the last one goes out as 0.
+        EncodeCase{"eo_later_segment_of_137", wms_ts_encode_udh_eo,
+                   element(WMS_UDH_EO, [](wms_udh &e) {
+                       e.u.eo.content_length = 137;
+                       std::memset(e.u.eo.content, 0x3C, sizeof e.u.eo.content);
+                       e.u.eo.first_segment = 0x3C;
+                   }),
+                   [] {
+                       Octets o{0x14, 0x89};
+                       o.insert(o.end(), WMS_UDH_EO_CONTENT_SIZE, 0x3C);
+                       o.push_back(0);
+                       return o;
+                   }()},
         EncodeCase{"rfc822", wms_ts_encode_udh_rfc822,
                    element(WMS_UDH_RFC822, [](wms_udh &e) { e.u.rfc822.header_length = 40; }), {0x20, 0x01, 0x28}},
         EncodeCase{"other", wms_ts_encode_udh_other,

@@ -105,10 +105,11 @@ struct DecodeCase {
     const char *name;
     Octets octets;
     uint8_t result;
-    uint8_t count;
+    uint8_t count;       // 0xEE: the count output is left alone
+    const char *traced;  // a line the decoder writes, or ""
 };
 
-class HeaderDecode : public ::testing::TestWithParam<DecodeCase> {};
+class HeaderDecode : public smsutil::test::LogTest, public ::testing::WithParamInterface<DecodeCase> {};
 
 TEST_P(HeaderDecode, AcceptsOnlyWellFormedHeaders)
 {
@@ -119,23 +120,35 @@ TEST_P(HeaderDecode, AcceptsOnlyWellFormedHeaders)
     if (c.octets[0] != 0) {
         EXPECT_EQ(count, c.count);
     }
+#if SMSUTIL_TRACE_ENABLED
+    if (c.traced[0] != '\0') {
+        EXPECT_TRUE(logged_by("wms_ts_decode_user_data_header", c.traced)) << log_text();
+    }
+    // A refused element ends the decoding before the count is reported.
+    if (c.result == 0 && c.count == 0) {
+        EXPECT_EQ(log_text().find("The num headers is"), std::string::npos) << log_text();
+    }
+#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Headers, HeaderDecode,
     ::testing::Values(
-        DecodeCase{"concat_8bit", {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}, 5, 1},
-        DecodeCase{"single_shift", {0x03, 0x24, 0x01, 0x02}, 3, 1},
-        DecodeCase{"octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0},
-        DecodeCase{"port_element_first", {0x04, 0x04, 0x02, 0x10, 0x20}, 0, 0},
-        DecodeCase{"seq_above_total", {0x05, 0x00, 0x03, 0x12, 0x03, 0x04}, 0, 0},
-        DecodeCase{"zero_iedl_concat", {0x05, 0x00, 0x00, 0x12, 0x03, 0x01}, 0, 0},
-        DecodeCase{"concat_past_udhl", {0x04, 0x00, 0x03, 0x12, 0x03, 0x01}, 0, 0},
+        DecodeCase{"concat_8bit", {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}, 5, 1, "The num headers is 1"},
+        DecodeCase{"single_shift", {0x03, 0x24, 0x01, 0x02}, 3, 1, ""},
+        DecodeCase{"octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0xEE, "The num headers is 0"},
+        DecodeCase{"port_element_first", {0x04, 0x04, 0x02, 0x10, 0x20}, 0, 0, ""},
+        DecodeCase{"seq_above_total", {0x05, 0x00, 0x03, 0x12, 0x03, 0x04}, 0, 0, "The header_length is 0"},
+        DecodeCase{"zero_iedl_concat", {0x05, 0x00, 0x00, 0x12, 0x03, 0x01}, 0, 0, ""},
+        DecodeCase{"concat_past_udhl", {0x04, 0x00, 0x03, 0x12, 0x03, 0x01}, 0, 0xEE, "The header_length is 4"},
+        DecodeCase{"concat16_past_udhl", {0x05, 0x08, 0x04, 0x12, 0x34, 0x02, 0x01}, 0, 0xEE,
+                   "The header_length is 5"},
         DecodeCase{"port_after_concat_kept", {0x0B, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0},
-                   11, 2},
-        DecodeCase{"other_iedl_past_udhl", {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23}, 0, 0},
-        DecodeCase{"udhl_zero", {0x00, 0x00}, 0, 0},
-        DecodeCase{"lone_iei", {0x01, 0x00}, 0, 0}),
+                   11, 2, ""},
+        DecodeCase{"other_iedl_past_udhl", {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23}, 0, 0xEE,
+                   "The num headers is 0"},
+        DecodeCase{"udhl_zero", {0x00, 0x00}, 0, 0, ""},
+        DecodeCase{"lone_iei", {0x01, 0x00}, 0, 0xEE, "The num headers is 0"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(HeaderDecodeEdge, ElementsAreStoredInWireOrder)

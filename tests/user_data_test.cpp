@@ -178,6 +178,21 @@ TEST(UserDataDecodeEdge, ShortDataIsReportedNotRead)
     }
 }
 
+TEST(UserDataDecodeEdge, HeaderPastUdlIsReadFromTheRestOfTheTpdu)
+{
+    // TP-UDL 3 leaves no room for the header: it is kept, and there is no text.
+    const Octets rest{0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xE8, 0x32};
+    for (uint8_t alphabet : {uint8_t{WMS_ALPHABET_GSM7}, uint8_t{WMS_ALPHABET_UCS2}}) {
+        wms_gw_user_data ud{};
+        const auto r = smsutil::transport::decode_user_data(dcs_of(alphabet), 3, rest, true, ud);
+        EXPECT_TRUE(r.complete);
+        EXPECT_EQ(r.consumed, 6u);
+        EXPECT_EQ(+ud.sm_len, 0);
+        ASSERT_EQ(ud.num_headers, 1);
+        EXPECT_EQ(ud.headers[0].u.concat_8.total_sm, 3);
+    }
+}
+
 class UserDataLog : public smsutil::test::LogTest {};
 
 TEST_F(UserDataLog, TracesBothDirections)

@@ -62,10 +62,7 @@ uint8_t nibble(char c)
 extern "C" SMSUTIL_API void AsciiToBcd(uint8_t *out, const char *in, uint32_t count)
 {
     if (out == nullptr || in == nullptr) return;
-    // An odd count reads the terminator as the last low nibble (0).
-    for (uint32_t i = 0; i < count; i += 2) {
-        const uint8_t high = nibble(in[i]);
-        const uint8_t low = i + 1 < count ? nibble(in[i + 1]) : 0;
-        *out++ = static_cast<uint8_t>((high << 4) | low);
-    }
+    // Characters go in pairs: an odd count takes the character after the
+    // last one as its low nibble (for a whole string, the terminator: 0).
+    for (uint32_t i = 0; i < count; i += 2) *out++ = static_cast<uint8_t>((nibble(in[i]) << 4) | nibble(in[i + 1]));
 }

@@ -13,7 +13,8 @@ constexpr uint32_t kMax7BitNormal = 160;
 constexpr uint32_t kMax7BitLong = 153;
 constexpr int32_t kMaxUcs2Normal = 70;
 constexpr int32_t kMaxUcs2Long = 67;
-constexpr std::size_t kMaxScNumber = SMS_NUMBER_SIZE - 1;
+// A number field read as text: all of its bytes when it has no terminator.
+constexpr int kNumberField = SMS_NUMBER_SIZE;
 
 uint32_t validity_seconds(const char (&text)[SMS_VALIDITY_SIZE])
 {
@@ -97,7 +98,7 @@ SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *
     }
     SmsOctetBuf sc;
     std::memset(&sc, 0, sizeof sc);
-    SMS_TRACE("The sc num is %s\n\n", m_szSCAddress);
+    SMS_TRACE("The sc num is %.*s\n\n", kNumberField, m_szSCAddress);
     ret = ComposeSCAddrData(m_szSCAddress, PstSendOrWriteMsg, &sc);
     if (ret != 0) {
         *pdwErrCode = SMS_ERR_SC_ADDRESS;
@@ -152,19 +153,13 @@ SMSUTIL_API int32_t ComposeSms(const SmsMessage *pInputSms, SmsSendPdu *pOutputS
     }
     if (ret != 0) return ret;
 
-    const std::size_t alen = strnlen(in.szAddress, sizeof stMessage.szAddress - 1);
-    std::memcpy(stMessage.szAddress, in.szAddress, alen);
-    stMessage.szAddress[alen] = '\0';
-    // m_szSCAddress holds 20 characters: a longer number is refused, never cut.
-    const std::size_t sclen = strnlen(in.sca, sizeof in.sca);
-    if (sclen > kMaxScNumber) {
-        (void)EWCheckDialNum(in.sca, kMaxScNumber);
-        SMS_TRACE("ComposeSubmitSms function run unsuccessfully!\n\n");
-        return -1;
-    }
-    std::memcpy(m_szSCAddress, in.sca, sclen);
-    m_szSCAddress[sclen] = '\0';
-    SMS_TRACE("The sc num is %s\n\n", m_szSCAddress);
+    // Both numbers are copied field for field, never cut: a number that
+    // fills its 21 bytes without a terminator is longer than 20 characters,
+    // and the address steps refuse it.
+    static_assert(sizeof stMessage.szAddress == sizeof in.szAddress && sizeof m_szSCAddress == sizeof in.sca);
+    std::memcpy(stMessage.szAddress, in.szAddress, sizeof in.szAddress);
+    std::memcpy(m_szSCAddress, in.sca, sizeof in.sca);
+    SMS_TRACE("The sc num is %.*s\n\n", kNumberField, m_szSCAddress);
 
     stMessage.dwMr = in.mr;
     stMessage.byTotalSM = 0;
@@ -196,6 +191,8 @@ SMSUTIL_API int32_t ComposeSms(const SmsMessage *pInputSms, SmsSendPdu *pOutputS
 
     uint32_t err = 0;
     ret = ComposeSubmitSms(&stMessage, &work, &composed, &err);
+    // Whatever the caller's field held, the global ends as a string.
+    m_szSCAddress[kNumberField - 1] = '\0';
     if (ret != 0) {
         SMS_TRACE("ComposeSubmitSms function run unsuccessfully!\n\n");
         return ret;

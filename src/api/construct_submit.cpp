@@ -45,11 +45,9 @@ SMSUTIL_API int32_t ConstructSubmitSms(const SmsMessageData *msg, SendOrWriteMsg
     submit->message_reference = msg->dwMr;
     submit->pid = 0;
 
-    char address[SMS_NUMBER_SIZE];
-    const std::size_t alen = strnlen(msg->szAddress, sizeof address - 1);
-    std::memcpy(address, msg->szAddress, alen);
-    address[alen] = '\0';
-    const int32_t ret = ConstructAddressData(address, PstSendOrWriteMsg, &submit->address);
+    // The field goes in as it is: the address check reads no further than
+    // its 21 bytes and refuses a number that fills them all.
+    const int32_t ret = ConstructAddressData(msg->szAddress, PstSendOrWriteMsg, &submit->address);
     if (ret != 0) {
         SMS_TRACE("ConstructAddressData function run unsuccessfully!\n\n");
         return ret;

@@ -1,6 +1,7 @@
 // Dial numbers on their way out: validation and the destination address
 // of a SUBMIT.
 #include <cstring>
+#include <limits>
 
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
@@ -20,8 +21,12 @@ SMSUTIL_API int32_t EWCheckDialNum(const char *pszDialNum, uint32_t maxLen)
         return -1;
     }
     // Never look further than one byte past the allowed length: callers
-    // pass fixed-size fields that a bad record may leave unterminated.
-    const std::size_t dwlen = strnlen(pszDialNum, static_cast<std::size_t>(maxLen) + 1);
+    // pass fixed-size fields that a bad record may leave unterminated.  The
+    // bound saturates, so the largest maximum cannot wrap it to 0 where
+    // size_t is as narrow as the maximum.
+    std::size_t bound = maxLen;
+    if (bound != std::numeric_limits<std::size_t>::max()) ++bound;
+    const std::size_t dwlen = strnlen(pszDialNum, bound);
     SMS_TRACE("The length of dwlen is %d\n\n", static_cast<int>(dwlen));
     if (dwlen == 0 || dwlen > maxLen) {
         SMS_TRACE("The EWCheckDialNum pszDialNum's length is 0 or out of the max length!\n\n");
@@ -67,6 +72,8 @@ SMSUTIL_API int32_t ConstructAddressData(const char *pszAddress, SendOrWriteMsg 
         SMS_TRACE("ConstructAddressData function run successfully!:dwLen==0\n\n");
         return 0;
     }
+    // The check reads at most one byte past the 20 characters, so a field
+    // that holds 21 without a terminator is refused, not cut.
     const int32_t check = EWCheckDialNum(pszAddress, kMaxDialNumber);
     if (check != 0) {
         SMS_TRACE("EWCheckDialNum in ConstructAddressData function run unsuccessfully!\n\n");

@@ -46,7 +46,9 @@ SMSUTIL_API int32_t sms_parse_receiver(const char *separator, const char *list, 
     int32_t count = 0;
     const char *pos = list;
     while (count < SMS_MAX_RECEIVERS && *pos != '\0') {
-        const char *match = separator[0] != '\0' ? std::strstr(pos, separator) : nullptr;
+        // An empty separator matches where the scan stands: every character
+        // then ends an empty receiver.
+        const char *match = std::strstr(pos, separator);
         if (match != nullptr) {
             store_receiver(receivers[count++], pos, static_cast<std::size_t>(match - pos));
             // The separator is taken as one character long.

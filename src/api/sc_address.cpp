@@ -9,6 +9,7 @@ namespace {
 
 constexpr uint32_t kMaxScNumber = 20;
 constexpr std::size_t kScratchSize = SMS_NUMBER_SIZE;
+constexpr std::size_t kPduTextBound = SMS_PDU_TEXT_SIZE;
 
 // Value of one hexadecimal character, or -1.
 int hex_value(char c)
@@ -117,7 +118,9 @@ SMSUTIL_API int32_t parse_centernum(int32_t dwSize, char *out, const char *src)
     // The digits follow the two characters of the type-of-address octet.
     const std::size_t toa_len = strnlen(src, 2);
     const char *digits = src + toa_len;
-    const std::size_t len = toa_len < 2 ? 0 : strnlen(digits, kScratchSize);
+    // The text lies in a PDU field of 513 bytes: its length is counted up to
+    // that bound, so the log tells how long a refused text really was.
+    const std::size_t len = toa_len < 2 ? 0 : strnlen(digits, kPduTextBound - toa_len);
     const bool international = src[0] == '9';
     if (len == 0 || dwSize <= 0 || len > static_cast<std::size_t>(dwSize) || len >= kScratchSize) {
         SMS_TRACE("src len is[%d]\n\n", static_cast<int>(len));

@@ -39,13 +39,13 @@ extern "C" SMSUTIL_API uint8_t wms_ts_unpack_ascii(const wms_cdma_user_data *ud,
 {
     if (ud == nullptr || text == nullptr) return 0;
     // A data_len beyond the array is malformed; never read past it.
-    const std::size_t octets = std::min<std::size_t>(ud->data_len, WMS_CDMA_USER_DATA_MAX);
-    BitReader in({ud->data, octets});
+    const std::size_t end = std::min<std::size_t>(ud->data_len, WMS_CDMA_USER_DATA_MAX) * 8;
+    // A character that starts inside data_len is taken whole, reading on
+    // into the array past data_len; only the array's own end limits it.
+    BitReader in({ud->data, WMS_CDMA_USER_DATA_MAX});
     const std::size_t limit = std::min(max_count, ud->num_fields);
     std::size_t count = 0;
-    // A character that starts in the last octet may end past data_len: the
-    // bits beyond count as zero.
-    while (count < limit && !in.at_end())
+    while (count < limit && in.position() < end)
         text[count++] = static_cast<char>(in.read_zero_extended(kCharBits));
     text[count] = '\0';
     return static_cast<std::uint8_t>(count);

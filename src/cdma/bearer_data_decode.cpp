@@ -1,12 +1,10 @@
 // Client record from bearer data.  The data come over the air from anyone:
 // the walk over subparameters goes through the bounded octet reader, and
-// every field is read through a bit reader confined to its subparameter,
-// so a malformed length can neither read outside the bearer data nor pull
-// fields out of a neighbouring subparameter.
+// every field is read through a bit reader that ends where the bearer data
+// end, so a malformed length can never read outside them.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 
 #include "cdma/bit_fields.hpp"
@@ -44,16 +42,15 @@ constexpr std::size_t fixed_length(std::uint8_t id)
     }
 }
 
-// The one field at the top of a subparameter, handed to `store` when read.
-template <typename Field>
-wms_status_e_type read_only_field(Content c, unsigned width, Field &&store)
-{
-    BitReader r(c);
-    const auto v = r.read(width);
-    if (!v) return kMalformed;
-    store(*v);
-    return kOk;
-}
+// A variable-length subparameter is read from its first content octet on,
+// over the rest of the bearer data: one that is shorter than its fields
+// takes the missing bits from the octets that follow it, and bits past the
+// end of the bearer data read as zero.  Rejecting it instead would lose the
+// whole message for one malformed optional subparameter.
+struct VariableContent {
+    Content own;   // the octets its length octet gives
+    Content rest;  // from its first octet to the end of the bearer data
+};
 
 void read_absolute_time(Content c, wms_timestamp &t)
 {
@@ -68,25 +65,21 @@ void read_absolute_time(Content c, wms_timestamp &t)
 
 std::uint8_t decimal_digit(std::uint8_t v) { return v > 9 ? 0 : v; }
 
-wms_status_e_type read_user_data(Content c, wms_cdma_user_data &ud)
+wms_status_e_type read_user_data(VariableContent c, wms_cdma_user_data &ud)
 {
-    BitReader r(c);
+    BitReader r(c.rest);
     unsigned width = kOctetUnitBits;
-    const auto encoding = r.read(kEncodingBits);
-    if (!encoding) return kMalformed;
-    ud.encoding = *encoding;
-    if (*encoding == WMS_ENCODING_IS91EP) {
-        const auto type = r.read(kIs91TypeBits);
-        if (!type) return kMalformed;
-        ud.is91ep_type = *type;
-        width = is91_unit_bits(*type);
+    ud.encoding = r.read_zero_extended(kEncodingBits);
+    if (ud.encoding == WMS_ENCODING_IS91EP) {
+        ud.is91ep_type = r.read_zero_extended(kIs91TypeBits);
+        width = is91_unit_bits(ud.is91ep_type);
     }
-    const auto num_fields = r.read(kNumFieldsBits);
-    if (!num_fields) return kMalformed;
-    ud.num_fields = static_cast<std::uint8_t>(*num_fields);
+    ud.num_fields = static_cast<std::uint8_t>(r.read_zero_extended(kNumFieldsBits));
 
+    // Units are read while they start inside the subparameter.
+    const std::size_t end = c.own.size() * 8;
     std::size_t units = 0;
-    while (!r.at_end()) {
+    while (r.position() < end) {
         if (units == WMS_CDMA_USER_DATA_MAX) return kBadUserData;
         ud.data[units++] = static_cast<std::uint8_t>(r.read_zero_extended(width));
     }
@@ -99,11 +92,9 @@ wms_status_e_type read_user_data(Content c, wms_cdma_user_data &ud)
         break;
     case WMS_ENCODING_ASCII:
     case WMS_ENCODING_IA5: {
-        // num_fields 7-bit characters fill this many octets.
+        // num_fields 7-bit characters fill this many octets, whether or not
+        // they all arrived; units not carried keep what data held.
         const std::size_t octets = (7u * (ud.num_fields + 1u)) / 8u;
-        // More characters than the subparameter carries would leave the
-        // tail of data as whatever it held before.
-        if (octets > units) return kBadUserData;
         ud.data_len = static_cast<std::uint8_t>(octets);
         ud.padding_bits = static_cast<std::uint8_t>(8 * octets - 7u * ud.num_fields);
         break;
@@ -117,73 +108,66 @@ wms_status_e_type read_user_data(Content c, wms_cdma_user_data &ud)
     return kOk;
 }
 
-wms_status_e_type read_callback(Content c, wms_address &cb)
+void read_callback(VariableContent c, wms_address &cb)
 {
-    BitReader r(c);
-    const auto mode = r.read(1);
-    if (!mode) return kMalformed;
-    const bool chars = *mode == 1;
-    std::optional<std::uint32_t> type = 0;
-    std::optional<std::uint32_t> plan = 0;
-    if (chars) {
-        type = r.read(kNumberTypeBits);
-        plan = r.read(kNumberPlanBits);
-    }
-    const auto count = r.read(8);
-    if (!type || !plan || !count) return kMalformed;
+    BitReader r(c.rest);
+    const bool chars = r.read_zero_extended(1) == 1;
     cb.digit_mode = chars ? WMS_DIGIT_MODE_CHAR : WMS_DIGIT_MODE_BCD;
-    cb.number_type = static_cast<std::uint8_t>(*type);
-    cb.number_plan = static_cast<std::uint8_t>(*plan);
-    cb.number_of_digits = static_cast<std::uint8_t>(std::min<std::uint32_t>(*count, WMS_CDMA_CALLBACK_MAX_DIGITS));
+    cb.number_type = static_cast<std::uint8_t>(chars ? r.read_zero_extended(kNumberTypeBits) : 0);
+    cb.number_plan = static_cast<std::uint8_t>(chars ? r.read_zero_extended(kNumberPlanBits) : 0);
+    cb.number_of_digits =
+        static_cast<std::uint8_t>(std::min<std::uint32_t>(r.read_zero_extended(8), WMS_CDMA_CALLBACK_MAX_DIGITS));
     const unsigned width = chars ? kCharDigitBits : kDtmfDigitBits;
-    for (std::size_t i = 0; i < cb.number_of_digits; ++i) {
-        const auto digit = r.read(width);
-        if (!digit) return kMalformed;
-        cb.digits[i] = static_cast<std::uint8_t>(*digit);
-    }
-    return kOk;
+    for (std::size_t i = 0; i < cb.number_of_digits; ++i)
+        cb.digits[i] = static_cast<std::uint8_t>(r.read_zero_extended(width));
 }
 
-wms_status_e_type read_subparameter(std::uint8_t id, Content c, wms_cdma_bearer_data &bd)
+// The first field of a variable-length subparameter.
+std::uint32_t leading_field(VariableContent c, unsigned width) { return BitReader(c.rest).read_zero_extended(width); }
+
+wms_status_e_type read_variable(std::uint8_t id, VariableContent c, wms_cdma_bearer_data &bd)
+{
+    switch (id) {
+    case kUserData: return read_user_data(c, bd.user_data);
+    case kPriority: bd.priority = leading_field(c, kTwoBitFieldBits); return kOk;
+    case kPrivacy: bd.privacy = leading_field(c, kTwoBitFieldBits); return kOk;
+    case kReplyOption: {
+        const std::uint32_t bits = leading_field(c, 2);
+        bd.user_ack_requested = static_cast<std::uint8_t>(bits >> 1);
+        bd.delivery_ack_requested = static_cast<std::uint8_t>(bits & 1);
+        return kOk;
+    }
+    case kAlertOnDelivery: bd.alert_on_delivery = 1; return kOk;
+    case kCallback: read_callback(c, bd.callback); return kOk;
+    default: return kOk;
+    }
+}
+
+wms_status_e_type read_subparameter(std::uint8_t id, VariableContent c, wms_cdma_bearer_data &bd)
 {
     const std::size_t fixed = fixed_length(id);
-    if (fixed != 0 && c.size() != fixed) return kMalformed;
+    if (fixed == 0) return read_variable(id, c, bd);
+    if (c.own.size() != fixed) return kMalformed;
 
+    const Content o = c.own;
     switch (id) {
     case kMessageId: {
-        BitReader r(c);
-        const auto type = r.read(kMessageTypeBits);
-        const auto number = r.read(kMessageIdBits);
-        if (!type || !number) return kMalformed;
-        bd.message_id.type = *type;
-        bd.message_id.id_number = *number;
+        BitReader r(o);
+        bd.message_id.type = r.read_zero_extended(kMessageTypeBits);
+        bd.message_id.id_number = r.read_zero_extended(kMessageIdBits);
         return kOk;
     }
-    case kUserData: return read_user_data(c, bd.user_data);
-    case kUserResponse: bd.user_response = c[0]; return kOk;
-    case kMcTime: read_absolute_time(c, bd.mc_time); return kOk;
-    case kValidityAbsolute: read_absolute_time(c, bd.validity_absolute); return kOk;
-    case kDeferredAbsolute: read_absolute_time(c, bd.deferred_absolute); return kOk;
-    case kValidityRelative: wms_ts_decode_relative_time(c[0], &bd.validity_relative); return kOk;
-    case kDeferredRelative: wms_ts_decode_relative_time(c[0], &bd.deferred_relative); return kOk;
-    case kPriority: return read_only_field(c, kTwoBitFieldBits, [&](std::uint32_t v) { bd.priority = v; });
-    case kPrivacy: return read_only_field(c, kTwoBitFieldBits, [&](std::uint32_t v) { bd.privacy = v; });
-    case kReplyOption: {
-        BitReader r(c);
-        const auto user_ack = r.read(1);
-        const auto delivery_ack = r.read(1);
-        if (!user_ack || !delivery_ack) return kMalformed;
-        bd.user_ack_requested = static_cast<std::uint8_t>(*user_ack);
-        bd.delivery_ack_requested = static_cast<std::uint8_t>(*delivery_ack);
-        return kOk;
-    }
+    case kUserResponse: bd.user_response = o[0]; return kOk;
+    case kMcTime: read_absolute_time(o, bd.mc_time); return kOk;
+    case kValidityAbsolute: read_absolute_time(o, bd.validity_absolute); return kOk;
+    case kDeferredAbsolute: read_absolute_time(o, bd.deferred_absolute); return kOk;
+    case kValidityRelative: wms_ts_decode_relative_time(o[0], &bd.validity_relative); return kOk;
+    case kDeferredRelative: wms_ts_decode_relative_time(o[0], &bd.deferred_relative); return kOk;
     case kNumberOfMessages:
-        bd.num_messages = static_cast<std::uint8_t>(decimal_digit(c[0] >> 4) * 10 + decimal_digit(c[0] & 0x0F));
+        bd.num_messages = static_cast<std::uint8_t>(decimal_digit(o[0] >> 4) * 10 + decimal_digit(o[0] & 0x0F));
         return kOk;
-    case kAlertOnDelivery: bd.alert_on_delivery = 1; return kOk;
-    case kLanguage: bd.language = c[0]; return kOk;
-    case kCallback: return read_callback(c, bd.callback);
-    case kDisplayMode: return read_only_field(c, kTwoBitFieldBits, [&](std::uint32_t v) { bd.display_mode = v; });
+    case kLanguage: bd.language = o[0]; return kOk;
+    case kDisplayMode: bd.display_mode = BitReader(o).read_zero_extended(kTwoBitFieldBits); return kOk;
     default: return kOk;
     }
 }
@@ -221,7 +205,8 @@ wms_status_e_type decode(const wms_raw_tpdu &raw, wms_cdma_bearer_data &bd)
         // occurrence of a subparameter is the one that counts.
         if (id > kLastSubparameterId || (bd.mask & mask_bit(id))) continue;
         bd.mask |= mask_bit(id);
-        const wms_status_e_type status = read_subparameter(id, content, bd);
+        const Content rest(content.data(), raw.data + len);
+        const wms_status_e_type status = read_subparameter(id, {content, rest}, bd);
         if (status != kOk) return status;
     }
 

@@ -10,8 +10,10 @@
 namespace smsutil::transport {
 namespace {
 
-// Largest data an element of another kind, or an extended object, carries.
+// Largest data an element of another kind carries.
 constexpr std::size_t kMaxOtherData = WMS_UDH_OTHER_SIZE;
+// Longest IEDL an extended object may announce.
+constexpr std::size_t kMaxEoData = 137;
 
 class ElementBuilder {
 public:
@@ -90,13 +92,18 @@ std::size_t build_var_picture(const wms_udh_var_picture &e, ElementBuffer out)
 std::size_t build_eo(const wms_udh_eo &e, ElementBuffer out)
 {
     const bool first = e.first_segment == 1;
-    if (e.content_length > WMS_UDH_EO_CONTENT_SIZE || e.content_length + (first ? 7u : 0u) > kMaxOtherData) return 0;
+    if (e.content_length + (first ? 7u : 0u) > kMaxEoData) return 0;
     ElementBuilder b(out, WMS_UDH_EO);
     if (first) {
         b.put(e.reference).put(e.length >> 8).put(e.length & 0xFF).put(e.control).put(e.type & 0xFF);
         b.put(e.position >> 8).put(e.position & 0xFF);
     }
-    return b.put(e.content, e.content_length).finish();
+    // A later segment may announce one octet more than content holds; that
+    // octet has no place in the record and goes out as 0.
+    const std::size_t held = std::min<std::size_t>(e.content_length, WMS_UDH_EO_CONTENT_SIZE);
+    b.put(e.content, held);
+    for (std::size_t i = held; i < e.content_length; ++i) b.put(0);
+    return b.finish();
 }
 
 std::size_t build_other(const wms_udh_other &e, ElementBuffer out)

@@ -87,12 +87,15 @@ struct TextSpan {
     std::size_t length = 0;  // characters (7-bit) or octets
 };
 
-TextSpan septet_text(std::uint8_t udl, std::span<const std::uint8_t> ud, bool header_present,
+// The header is read from the rest of the TPDU (`in`), not only from the
+// octets TP-UDL covers: a header longer than TP-UDL allows is kept, and the
+// text it leaves no room for is empty.
+TextSpan septet_text(std::uint8_t udl, std::span<const std::uint8_t> in, bool header_present,
                      wms_gw_user_data &data, unsigned &start_code)
 {
     start_code = 0;
     if (!header_present) return {0, udl};
-    const HeaderDecode header = decode_header(ud, data.num_headers, data.headers);
+    const HeaderDecode header = decode_header(in, data.num_headers, data.headers);
     if (data.num_headers == 0 || header.udhl == 0) return {0, udl};
     const long bits = 7L * udl - 8L * (header.udhl + 1);
     // A header longer than TP-UDL allows leaves no room for text.
@@ -102,10 +105,10 @@ TextSpan septet_text(std::uint8_t udl, std::span<const std::uint8_t> ud, bool he
     return {header.udhl + 1u, static_cast<std::size_t>(bits / 7)};
 }
 
-TextSpan octet_text(std::uint8_t udl, std::span<const std::uint8_t> ud, bool header_present, wms_gw_user_data &data)
+TextSpan octet_text(std::uint8_t udl, std::span<const std::uint8_t> in, bool header_present, wms_gw_user_data &data)
 {
     if (!header_present) return {0, udl};
-    const HeaderDecode header = decode_header(ud, data.num_headers, data.headers);
+    const HeaderDecode header = decode_header(in, data.num_headers, data.headers);
     // The data skip the header only when its last element examined is a
     // concatenation element; a header that examined no element of this call
     // is treated as a cleared slot would be, skipping just the UDHL octet.
@@ -135,12 +138,12 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
     TextSpan text;
     if (septets) {
         unsigned start_code = 0;
-        text = septet_text(udl, ud, header_present, data, start_code);
+        text = septet_text(udl, in, header_present, data, start_code);
         value = unpack_septets(ud.subspan(std::min(text.start, ud.size())), text.length, start_code,
                                std::span(data.sm_data, WMS_MAX_LEN));
         data.sm_len = static_cast<std::uint16_t>(text.length);
     } else {
-        text = octet_text(udl, ud, header_present, data);
+        text = octet_text(udl, in, header_present, data);
         SMS_TRACE_AS(kDecodeName, "The exchange data is:\n\n");
         // The pair of an odd last octet is the octet after it, when the TPDU has one.
         auto octet_at = [&](std::size_t i) -> std::uint8_t { return i < in.size() ? in[i] : 0; };
@@ -194,7 +197,8 @@ SMSUTIL_API uint8_t wms_ts_decode_gw_user_data(const wms_gw_dcs *dcs, uint8_t ud
                                                uint8_t header_present, wms_gw_user_data *user_data)
 {
     if (dcs == nullptr || data == nullptr || user_data == nullptr) return 0;
-    // Only the octets TP-UDL announces are read.
+    // Only the octets TP-UDL announces are read: without the TPDU's length,
+    // a header that runs past them cannot be read here.
     const std::size_t size = dcs->alphabet == WMS_ALPHABET_GSM7 ? smsutil::transport::packed_size(udl, 0) : udl;
     const auto result = smsutil::transport::decode_user_data(*dcs, udl, std::span<const uint8_t>(data, size),
                                                              header_present != 0, *user_data);

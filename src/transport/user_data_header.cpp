@@ -65,22 +65,36 @@ bool has_own_layout(std::uint8_t iei)
     return iei == WMS_UDH_SPECIAL_SM || (iei >= WMS_UDH_TEXT_FORMATTING && iei <= WMS_UDH_EO) || iei == WMS_UDH_RFC822;
 }
 
-enum class ElementOutcome { kStored, kRefused };
+enum class ElementOutcome {
+    kStored,
+    kRefused,   // the header is refused at once
+    kRunsPast,  // the element does not end inside the octets at hand
+};
 
 // Reads one element at the reader's position into slot.
 ElementOutcome decode_element(OctetReader &in, bool first, wms_udh &slot)
 {
     std::uint8_t iei = 0;
     std::uint8_t iedl = 0;
-    if (!in.read(iei) || !in.peek(iedl)) return ElementOutcome::kRefused;
+    if (!in.read(iei)) return ElementOutcome::kRunsPast;
+    const bool has_iedl = in.peek(iedl);
     std::span<const std::uint8_t> body;
     switch (iei) {
     case WMS_UDH_CONCAT_8BIT_REF:
     case WMS_UDH_CONCAT_16BIT_REF: {
         const bool wide = iei == WMS_UDH_CONCAT_16BIT_REF;
         const std::size_t length = wide ? 5 : 4;
-        const bool present = in.take(length, body);
-        const bool valid = present && iedl != 0 && concat_numbers_valid(body[length - 2], body[length - 1]);
+        if (has_iedl && iedl == 0) {
+            SMS_TRACE_AS(kDecodeName, "The header_length is %d\n\n", 0);
+            return ElementOutcome::kRefused;
+        }
+        // An element that runs past the octets at hand runs past UDHL too:
+        // it has its length, and the header fails as a whole.
+        if (!in.take(length, body)) {
+            SMS_TRACE_AS(kDecodeName, "The header_length is %d\n\n", static_cast<int>(length));
+            return ElementOutcome::kRunsPast;
+        }
+        const bool valid = concat_numbers_valid(body[length - 2], body[length - 1]);
         SMS_TRACE_AS(kDecodeName, "The header_length is %d\n\n", valid ? static_cast<int>(length) : 0);
         if (!valid) return ElementOutcome::kRefused;
         slot.header_id = iei;
@@ -98,7 +112,7 @@ ElementOutcome decode_element(OctetReader &in, bool first, wms_udh &slot)
     case WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT:
     case WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT:
         // Taken as three octets long whatever IEDL says.
-        if (!in.take(2, body)) return ElementOutcome::kRefused;
+        if (!in.take(2, body)) return ElementOutcome::kRunsPast;
         slot.header_id = iei;
         slot.u.nat_lang_ss.shift_id = iei;
         slot.u.nat_lang_ss.length = body[0];
@@ -107,7 +121,8 @@ ElementOutcome decode_element(OctetReader &in, bool first, wms_udh &slot)
     default: {
         // A header must open with a kind this decoder knows; later ones of
         // other kinds are kept raw.
-        if (first || !in.skip(1) || !in.take(iedl, body)) return ElementOutcome::kRefused;
+        if (first) return ElementOutcome::kRefused;
+        if (!in.skip(1) || !in.take(iedl, body)) return ElementOutcome::kRunsPast;
         if (decode_other_element(iei, body, slot) == 0) return ElementOutcome::kRefused;
         if (has_own_layout(iei)) slot.header_id = WMS_UDH_OTHER;
         return ElementOutcome::kStored;
@@ -147,26 +162,34 @@ HeaderDecode decode_header(std::span<const std::uint8_t> in, std::uint8_t &count
     if (in.empty() || in[0] == 0) return result;
     const std::uint8_t udhl = in[0];
     SMS_TRACE_AS(kDecodeName, "The udhl is %d\n\n", udhl);
-    // Elements are read from the header's own octets only.
-    OctetReader reader(in.first(std::min<std::size_t>(in.size(), udhl + 1u)));
+    // Elements are read from all the octets at hand, not only UDHL's: an
+    // element that runs past UDHL is read (and the header then refused)
+    // rather than mistaken for a bad one.
+    OctetReader reader(in);
     reader.skip(1);
     std::size_t n = 0;
-    bool accepted = true;
+    bool ran_past = false;
     while (reader.position() < udhl && n < WMS_UDH_MAX_IES) {
         decode_slot_ptr = &headers[n];
         result.last_slot = static_cast<int>(n);
-        if (decode_element(reader, n == 0, headers[n]) == ElementOutcome::kRefused) {
-            accepted = false;
+        const ElementOutcome outcome = decode_element(reader, n == 0, headers[n]);
+        if (outcome == ElementOutcome::kRefused) {
+            count = 0;
+            return result;
+        }
+        if (outcome == ElementOutcome::kRunsPast) {
+            ran_past = true;
             break;
         }
         ++n;
     }
     // Seven elements end the header whatever follows; otherwise the last
     // element must end exactly where UDHL says.
-    if (accepted && n < WMS_UDH_MAX_IES && reader.position() != udhl + 1u) accepted = false;
+    const bool accepted = !ran_past && (n == WMS_UDH_MAX_IES || reader.position() == udhl + 1u);
     if (!accepted) n = 0;
     SMS_TRACE_AS(kDecodeName, "The num headers is %d\n\n", static_cast<int>(n));
-    count = static_cast<std::uint8_t>(n);
+    // A refused header leaves a count the caller set (cleared, as a rule).
+    if (n != 0) count = static_cast<std::uint8_t>(n);
     result.udhl = accepted ? udhl : 0;
     return result;
 }
