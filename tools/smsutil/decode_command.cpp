@@ -6,6 +6,7 @@
 
 #include "commands.hpp"
 #include "json_format.hpp"
+#include "option_values.hpp"
 #include "parse_diagnosis.hpp"
 #include "pdu_text.hpp"
 #include "tpdu_decode.hpp"
@@ -91,7 +92,7 @@ void add_decode_command(CLI::App& app, int& exit_status) {
     CLI::App* cmd = app.add_subcommand("decode", "Decode PDUs as a modem prints them, one JSON object per PDU");
     cmd->add_option("--state", options->state,
                     "Storage state: 0/1 received (DELIVER, STATUS-REPORT), 2/3 stored outgoing (SUBMIT)")
-        ->check(CLI::Range(0, 3))
+        ->each(whole_number_from("--state", 0, 3))
         ->capture_default_str();
     cmd->add_flag("--detail", options->detail, "Add the TPDU fields as the transport codec decodes them");
     cmd->add_flag("--raw", options->raw, "Add raw_text: the text's bytes exactly as the library returned them, in hex");
