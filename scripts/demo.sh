@@ -37,6 +37,9 @@ run "smsutil decode < examples/status_report.pdu"
 section "The three parts of a long message: same reference, total 3, parts 1 to 3"
 run "smsutil decode < examples/long_message.pdu"
 
+section "A modem's answer to AT+CMGL=4 pasted as it is: each message read by the status its header gives"
+run "smsutil decode < examples/cmgl_session.txt"
+
 section "The transport codec's view of one part (--detail)"
 run "grep -v '^#' examples/long_message.pdu | tail -1 | smsutil decode --detail"
 
