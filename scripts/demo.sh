@@ -37,6 +37,9 @@ run "smsutil decode < examples/status_report.pdu"
 section "The three parts of a long message: same reference, total 3, parts 1 to 3"
 run "smsutil decode < examples/long_message.pdu"
 
+section "A modem's answer to AT+CMGL=4 pasted as it is: each message read by the status its header gives"
+run "smsutil decode < examples/cmgl_session.txt"
+
 section "Long messages put back together: parts shuffled and one repeated, and a message whose part 2 never came"
 run "smsutil join < examples/long_message_parts.pdu"
 

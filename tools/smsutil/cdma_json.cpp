@@ -75,37 +75,61 @@ Json callback_json(const wms_address& cb) {
 
 [[noreturn]] void bad(const std::string& key, const std::string& why) { throw BadBearerJson(key + ": " + why); }
 
-uint32_t unsigned_of(const Json& doc, const std::string& key, uint32_t max) {
-    const Json& value = doc.at(key);
-    if (!value.is_number_unsigned()) bad(key, "expected an unsigned number");
-    const auto number = value.get<uint64_t>();
-    if (number > max) bad(key, "above " + std::to_string(max));
-    return static_cast<uint32_t>(number);
-}
-
-bool bool_of(const Json& doc, const std::string& key) {
-    const Json& value = doc.at(key);
-    if (!value.is_boolean()) bad(key, "expected true or false");
-    return value.get<bool>();
-}
-
-std::string string_of(const Json& doc, const std::string& key) {
-    const Json& value = doc.at(key);
-    if (!value.is_string()) bad(key, "expected a string");
-    return value.get<std::string>();
-}
-
-void only_keys(const Json& doc, const std::string& where, std::initializer_list<const char*> keys) {
-    if (!doc.is_object()) bad(where, "expected an object");
-    for (const auto& item : doc.items()) {
-        bool known = false;
-        for (const char* key : keys) known = known || item.key() == key;
-        if (!known) bad(where.empty() ? item.key() : where + "." + item.key(), "unknown key");
+// One object of the document and the dotted path that names its keys in
+// messages ("message_id.id: missing").
+class Fields {
+public:
+    Fields(const Json& doc, std::string path, std::initializer_list<const char*> keys)
+        : doc_(doc), path_(std::move(path)) {
+        if (!doc.is_object()) bad(path_.empty() ? "the document" : path_, "expected an object");
+        for (const auto& item : doc.items()) {
+            bool known = false;
+            for (const char* key : keys) known = known || item.key() == key;
+            if (!known) bad(name(item.key()), "unknown key");
+        }
     }
-}
 
-wms_timestamp time_from(const Json& doc, const std::string& key) {
-    const std::string text = string_of(doc, key);
+    bool has(const char* key) const { return doc_.contains(key); }
+
+    std::string name(const std::string& key) const { return path_.empty() ? key : path_ + "." + key; }
+
+    const Json& at(const char* key) const {
+        const auto found = doc_.find(key);
+        if (found == doc_.end()) bad(name(key), "missing");
+        return *found;
+    }
+
+    uint32_t number(const char* key, uint32_t max) const {
+        const Json& value = at(key);
+        if (!value.is_number_unsigned()) bad(name(key), "expected an unsigned number");
+        const auto number = value.get<uint64_t>();
+        if (number > max) bad(name(key), "above " + std::to_string(max));
+        return static_cast<uint32_t>(number);
+    }
+
+    bool flag(const char* key) const {
+        const Json& value = at(key);
+        if (!value.is_boolean()) bad(name(key), "expected true or false");
+        return value.get<bool>();
+    }
+
+    std::string text(const char* key) const {
+        const Json& value = at(key);
+        if (!value.is_string()) bad(name(key), "expected a string");
+        return value.get<std::string>();
+    }
+
+    Fields object(const char* key, std::initializer_list<const char*> keys) const {
+        return Fields(at(key), name(key), keys);
+    }
+
+private:
+    const Json& doc_;
+    std::string path_;
+};
+
+wms_timestamp time_from(const Fields& doc, const char* key) {
+    const std::string text = doc.text(key);
     wms_timestamp t{};
     if (auto octets = hex_to_octets(text); octets && octets->size() == kTimeOctets) {
         t = wms_timestamp{(*octets)[0], (*octets)[1], (*octets)[2], (*octets)[3], (*octets)[4], (*octets)[5], 0};
@@ -123,48 +147,46 @@ wms_timestamp time_from(const Json& doc, const std::string& key) {
     return wms_timestamp{bcd(year % 100), bcd(month), bcd(day), bcd(hour), bcd(minute), bcd(second), 0};
 }
 
-wms_timestamp relative_from(const Json& doc, const std::string& key) {
-    const Json& value = doc.at(key);
-    only_keys(value, key, {"code", "period"});
-    if (!value.contains("code")) bad(key, "needs \"code\", the relative period octet");
+wms_timestamp relative_from(const Fields& doc, const char* key) {
+    const Fields period = doc.object(key, {"code", "period"});
     wms_timestamp duration{};
-    wms_ts_decode_relative_time(static_cast<uint8_t>(unsigned_of(value, "code", 255)), &duration);
+    wms_ts_decode_relative_time(static_cast<uint8_t>(period.number("code", 255)), &duration);
     return duration;
 }
 
-void user_data_from(const Json& doc, wms_cdma_user_data& ud) {
-    only_keys(doc, "user_data", {"encoding", "is91ep_type", "num_fields", "padding_bits", "data", "text"});
-    ud.encoding = unsigned_of(doc, "encoding", 31);
-    if (ud.encoding == WMS_ENCODING_IS91EP) ud.is91ep_type = unsigned_of(doc, "is91ep_type", 255);
-    ud.num_fields = static_cast<uint8_t>(unsigned_of(doc, "num_fields", 255));
-    ud.padding_bits = doc.contains("padding_bits") ? static_cast<uint8_t>(unsigned_of(doc, "padding_bits", 7)) : 0;
-    const auto data = hex_to_octets(string_of(doc, "data"));
-    if (!data) bad("user_data.data", "expected hexadecimal octets");
-    if (data->size() > WMS_CDMA_USER_DATA_MAX) bad("user_data.data", "more than 229 octets");
+void user_data_from(const Fields& doc, wms_cdma_user_data& ud) {
+    // "text" is printed for people to read; the octets travel in "data".
+    if (!doc.has("data") && doc.has("text")) bad(doc.name("data"), "missing (the octets in hex; \"text\" is not read)");
+    ud.encoding = doc.number("encoding", 31);
+    if (ud.encoding == WMS_ENCODING_IS91EP) ud.is91ep_type = doc.number("is91ep_type", 255);
+    ud.num_fields = static_cast<uint8_t>(doc.number("num_fields", 255));
+    ud.padding_bits = doc.has("padding_bits") ? static_cast<uint8_t>(doc.number("padding_bits", 7)) : 0;
+    const auto data = hex_to_octets(doc.text("data"));
+    if (!data) bad(doc.name("data"), "expected hexadecimal octets");
+    if (data->size() > WMS_CDMA_USER_DATA_MAX) bad(doc.name("data"), "more than 229 octets");
     std::copy(data->begin(), data->end(), ud.data);
     ud.data_len = static_cast<uint8_t>(data->size());
 }
 
-void callback_from(const Json& doc, wms_address& cb) {
-    only_keys(doc, "callback", {"digit_mode", "number_type", "number_plan", "digits", "codes"});
-    cb.digit_mode = static_cast<uint8_t>(unsigned_of(doc, "digit_mode", 1));
+void callback_from(const Fields& doc, wms_address& cb) {
+    cb.digit_mode = static_cast<uint8_t>(doc.number("digit_mode", 1));
     if (cb.digit_mode != 0) {
-        cb.number_type = static_cast<uint8_t>(unsigned_of(doc, "number_type", 7));
-        cb.number_plan = static_cast<uint8_t>(unsigned_of(doc, "number_plan", 15));
+        cb.number_type = static_cast<uint8_t>(doc.number("number_type", 7));
+        cb.number_plan = static_cast<uint8_t>(doc.number("number_plan", 15));
     }
-    if (doc.contains("codes")) {
-        const auto codes = hex_to_octets(string_of(doc, "codes"));
-        if (!codes || codes->size() > WMS_CDMA_CALLBACK_MAX_DIGITS) bad("callback.codes", "expected up to 32 octets");
+    if (doc.has("codes")) {
+        const auto codes = hex_to_octets(doc.text("codes"));
+        if (!codes || codes->size() > WMS_CDMA_CALLBACK_MAX_DIGITS) bad(doc.name("codes"), "expected up to 32 octets");
         std::copy(codes->begin(), codes->end(), cb.digits);
         cb.number_of_digits = static_cast<uint8_t>(codes->size());
         return;
     }
-    const std::string digits = string_of(doc, "digits");
-    if (digits.size() > WMS_CDMA_CALLBACK_MAX_DIGITS) bad("callback.digits", "more than 32 digits");
+    const std::string digits = doc.text("digits");
+    if (digits.size() > WMS_CDMA_CALLBACK_MAX_DIGITS) bad(doc.name("digits"), "more than 32 digits");
     if (cb.digit_mode != 0) {
         std::copy(digits.begin(), digits.end(), cb.digits);
     } else if (!digits.empty() && wms_ts_ascii2dtmf(digits.c_str(), cb.digits) != digits.size()) {
-        bad("callback.digits", "only 0-9, * and # travel as DTMF digits");
+        bad(doc.name("digits"), "only 0-9, * and # travel as DTMF digits");
     }
     cb.number_of_digits = static_cast<uint8_t>(digits.size());
 }
@@ -199,26 +221,26 @@ Json bearer_data_json(const wms_cdma_bearer_data& bd) {
     return out;
 }
 
-wms_cdma_bearer_data bearer_data_from_json(const Json& doc) {
+wms_cdma_bearer_data bearer_data_from_json(const Json& json) {
     wms_cdma_bearer_data bd;
     std::memset(&bd, 0, sizeof bd);
-    only_keys(doc, "", {"message_id", "user_data", "user_response", "mc_time", "validity_absolute",
-                        "validity_relative", "deferred_absolute", "deferred_relative", "priority", "privacy",
-                        "reply_option", "num_messages", "alert_on_delivery", "language", "callback",
-                        "display_mode"});
-    if (doc.contains("message_id")) {
-        const Json& id = doc["message_id"];
-        only_keys(id, "message_id", {"type", "id"});
-        bd.message_id.type = unsigned_of(id, "type", 15);
-        bd.message_id.id_number = unsigned_of(id, "id", 0xFFFF);
+    const Fields doc(json, "",
+                     {"message_id", "user_data", "user_response", "mc_time", "validity_absolute", "validity_relative",
+                      "deferred_absolute", "deferred_relative", "priority", "privacy", "reply_option", "num_messages",
+                      "alert_on_delivery", "language", "callback", "display_mode"});
+    if (doc.has("message_id")) {
+        const Fields id = doc.object("message_id", {"type", "id"});
+        bd.message_id.type = id.number("type", 15);
+        bd.message_id.id_number = id.number("id", 0xFFFF);
         bd.mask |= WMS_MASK_BD_MSG_ID;
     }
-    if (doc.contains("user_data")) {
-        user_data_from(doc["user_data"], bd.user_data);
+    if (doc.has("user_data")) {
+        user_data_from(doc.object("user_data", {"encoding", "is91ep_type", "num_fields", "padding_bits", "data", "text"}),
+                       bd.user_data);
         bd.mask |= WMS_MASK_BD_USER_DATA;
     }
-    if (doc.contains("user_response")) {
-        bd.user_response = static_cast<uint8_t>(unsigned_of(doc, "user_response", 255));
+    if (doc.has("user_response")) {
+        bd.user_response = static_cast<uint8_t>(doc.number("user_response", 255));
         bd.mask |= WMS_MASK_BD_USER_RESP;
     }
     struct TimeField {
@@ -233,44 +255,44 @@ wms_cdma_bearer_data bearer_data_from_json(const Json& doc) {
                                {"deferred_absolute", &bd.deferred_absolute, WMS_MASK_BD_DEFER_ABS, false},
                                {"deferred_relative", &bd.deferred_relative, WMS_MASK_BD_DEFER_REL, true}};
     for (const auto& t : times) {
-        if (!doc.contains(t.key)) continue;
+        if (!doc.has(t.key)) continue;
         *t.field = t.relative ? relative_from(doc, t.key) : time_from(doc, t.key);
         bd.mask |= t.bit;
     }
-    if (doc.contains("priority")) {
-        bd.priority = unsigned_of(doc, "priority", 3);
+    if (doc.has("priority")) {
+        bd.priority = doc.number("priority", 3);
         bd.mask |= WMS_MASK_BD_PRIORITY;
     }
-    if (doc.contains("privacy")) {
-        bd.privacy = unsigned_of(doc, "privacy", 3);
+    if (doc.has("privacy")) {
+        bd.privacy = doc.number("privacy", 3);
         bd.mask |= WMS_MASK_BD_PRIVACY;
     }
-    if (doc.contains("reply_option")) {
-        const Json& reply = doc["reply_option"];
-        only_keys(reply, "reply_option", {"user_ack", "delivery_ack"});
-        bd.user_ack_requested = bool_of(reply, "user_ack") ? 1 : 0;
-        bd.delivery_ack_requested = bool_of(reply, "delivery_ack") ? 1 : 0;
+    if (doc.has("reply_option")) {
+        const Fields reply = doc.object("reply_option", {"user_ack", "delivery_ack"});
+        bd.user_ack_requested = reply.flag("user_ack") ? 1 : 0;
+        bd.delivery_ack_requested = reply.flag("delivery_ack") ? 1 : 0;
         bd.mask |= WMS_MASK_BD_REPLY_OPTION;
     }
-    if (doc.contains("num_messages")) {
-        bd.num_messages = static_cast<uint8_t>(unsigned_of(doc, "num_messages", 99));
+    if (doc.has("num_messages")) {
+        bd.num_messages = static_cast<uint8_t>(doc.number("num_messages", 99));
         bd.mask |= WMS_MASK_BD_NUM_OF_MSGS;
     }
-    if (doc.contains("alert_on_delivery")) {
-        if (!bool_of(doc, "alert_on_delivery")) bad("alert_on_delivery", "leave the key out instead of false");
+    if (doc.has("alert_on_delivery")) {
+        if (!doc.flag("alert_on_delivery")) bad("alert_on_delivery", "leave the key out instead of false");
         bd.alert_on_delivery = 1;
         bd.mask |= WMS_MASK_BD_ALERT;
     }
-    if (doc.contains("language")) {
-        bd.language = unsigned_of(doc, "language", 255);
+    if (doc.has("language")) {
+        bd.language = doc.number("language", 255);
         bd.mask |= WMS_MASK_BD_LANGUAGE;
     }
-    if (doc.contains("callback")) {
-        callback_from(doc["callback"], bd.callback);
+    if (doc.has("callback")) {
+        callback_from(doc.object("callback", {"digit_mode", "number_type", "number_plan", "digits", "codes"}),
+                      bd.callback);
         bd.mask |= WMS_MASK_BD_CALLBACK;
     }
-    if (doc.contains("display_mode")) {
-        bd.display_mode = unsigned_of(doc, "display_mode", 3);
+    if (doc.has("display_mode")) {
+        bd.display_mode = doc.number("display_mode", 3);
         bd.mask |= WMS_MASK_BD_DISPLAY_MODE;
     }
     return bd;

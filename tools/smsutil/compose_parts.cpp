@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "concatenation_reference.hpp"
 #include "lost_character.hpp"
 #include "packs.hpp"
 #include "pdu_text.hpp"
@@ -136,14 +137,17 @@ std::string read_back_problem(const ComposeRequest& request, Coding coding, cons
 
 }  // namespace
 
-ComposeOutcome compose_text(const ComposeRequest& request, const std::string& text, Coding coding) {
+ComposeOutcome compose_text(const ComposeRequest& given, const std::string& text, Coding coding) {
     ComposeOutcome outcome;
-    const Packs packs = split_packs(text, coding, request.language);
+    const Packs packs = split_packs(text, coding, given.language);
     if (!packs.error.empty()) {
         outcome.error = packs.error;
+        outcome.over_limit = packs.over_limit;
         return outcome;
     }
     const size_t total = packs.texts.size();
+    ComposeRequest request = given;
+    if (!request.reference_given && total > 1) request.reference = next_concatenation_reference();
     size_t first = 1;
     for (size_t i = 0; i < total; ++i) {
         const std::string where = "part " + std::to_string(i + 1) + " of " + std::to_string(total);

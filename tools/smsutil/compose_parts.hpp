@@ -15,6 +15,7 @@ struct ComposeRequest {
     std::string smsc;
     uint32_t language = 0;
     uint32_t reference = 0;  // TP-MR and, for a series, the concatenation reference
+    bool reference_given = true;  // false: a series takes a fresh reference
     bool status_report = false;
     bool has_validity = false;
     uint32_t validity_seconds = 0;
@@ -27,7 +28,8 @@ struct ComposedPart {
 
 struct ComposeOutcome {
     std::vector<ComposedPart> parts;
-    std::string error;  // empty on success
+    std::string error;        // empty on success
+    bool over_limit = false;  // the text needs more parts than a message may have
 };
 
 // coding is Gsm7 or Ucs2.  A part that does not read back as its text and

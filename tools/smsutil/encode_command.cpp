@@ -6,6 +6,7 @@
 #include "compose_parts.hpp"
 #include "json_format.hpp"
 #include "number_check.hpp"
+#include "option_values.hpp"
 #include "text_coding.hpp"
 #include "text_input.hpp"
 #include "usage_error.hpp"
@@ -63,7 +64,8 @@ int run_encode(const EncodeOptions& options) {
     ComposeOutcome outcome = compose_text(options.request, options.text, coding);
     // Auto promises a message that arrives as written: when the 7-bit form
     // does not read back (or does not fit), UCS-2 is the safe choice.
-    if (!outcome.error.empty() && text_options.coding == Coding::Auto && coding == Coding::Gsm7) {
+    if (!outcome.error.empty() && !outcome.over_limit && text_options.coding == Coding::Auto &&
+        coding == Coding::Gsm7) {
         coding = Coding::Ucs2;
         outcome = compose_text(options.request, options.text, coding);
     }
@@ -83,11 +85,13 @@ void add_encode_command(CLI::App& app, int& exit_status) {
     add_text_options(*cmd, options->text_options);
     auto* validity = cmd->add_option("--validity", request.validity_seconds,
                                      "Relative validity period in seconds, 60 to 31103999 (under 360 days)")
-                         ->check(CLI::Range(kMinValiditySeconds, kMaxValiditySeconds));
+                         ->each(whole_number_from("--validity", kMinValiditySeconds, kMaxValiditySeconds));
     cmd->add_flag("--status-report", request.status_report, "Ask the service centre for a status report");
-    cmd->add_option("--ref", request.reference, "Message reference and concatenation reference, 0 to 255")
-        ->check(CLI::Range(0, 255))
-        ->capture_default_str();
+    auto* reference =
+        cmd->add_option("--ref", request.reference,
+                        "Message reference and concatenation reference, 0 to 255 (default: 0 for one part, "
+                        "a fresh reference for each message of several parts)")
+            ->each(whole_number_from("--ref", 0, 255));
     cmd->add_flag("--at", options->at_commands, "Print AT+CMGS=<n> lines, each followed by its PDU");
     auto* text = cmd->add_option("TEXT", options->text, "UTF-8 text; - or nothing reads standard input");
     cmd->footer(
@@ -96,9 +100,11 @@ void add_encode_command(CLI::App& app, int& exit_status) {
         "  smsutil encode --to 5551234 --smsc +905320000000 --lang turkish --at - < message.txt\n"
         "One JSON object per part: part, total, coding, pdu and tpdu_length (the length AT+CMGS takes).\n"
         "Each PDU is read back through the library before it is printed; exit status 1 when one does\n"
-        "not read back as its text, or the text does not fit in four messages.");
-    cmd->callback([options, text, validity, &exit_status] {
+        "not read back as its text, or the text does not fit in four messages.  Without --ref each\n"
+        "message of several parts gets a reference of its own.");
+    cmd->callback([options, text, validity, reference, &exit_status] {
         options->request.has_validity = validity->count() > 0;
+        options->request.reference_given = reference->count() > 0;
         options->request.language = options->text_options.language;
         validate_numbers(options->request);
         options->text = text_from_argument(options->text, text->count() > 0);

@@ -50,7 +50,7 @@ GatewayPart read_gateway_part(std::string_view text, uint32_t state) {
     auto message = std::make_unique<SmsMessage>();
     if (readable) std::memcpy(input.pdu, text.data(), text.size());
     if (!readable || ParseSms(&input, message.get()) != SMS_RESULT_OK) {
-        out.error = diagnose_parse_failure(text, pdu, state, tpdu).cause;
+        out.error = diagnose_parse_failure(pdu, state, tpdu).cause;
         return out;
     }
     sms_reasm_part_from_message(message.get(), &out.part);

@@ -1,5 +1,8 @@
 #include "hex.hpp"
 
+#include "lost_character.hpp"
+#include "surrogate_text.hpp"
+
 namespace smsutil::cli {
 namespace {
 
@@ -23,6 +26,17 @@ std::optional<std::vector<uint8_t>> hex_to_octets(std::string_view text) {
         octets.push_back(static_cast<uint8_t>(high << 4 | low));
     }
     return octets;
+}
+
+std::optional<std::string> non_hex_character(std::string_view text) {
+    // Every character before the first stray one is a digit, one byte
+    // each: the byte's place is the column.
+    for (size_t pos = 0; pos < text.size(); ++pos) {
+        if (nibble_of(text[pos]) >= 0) continue;
+        return quoted_character(utf8_character_at(text, pos).code_point) + " at column " + std::to_string(pos + 1) +
+               " is not a hexadecimal digit";
+    }
+    return std::nullopt;
 }
 
 std::string octets_to_hex(std::span<const uint8_t> octets) {

@@ -15,6 +15,10 @@ namespace smsutil::cli {
 // odd length or any other character.
 std::optional<std::vector<uint8_t>> hex_to_octets(std::string_view text);
 
+// "'z' (U+007A) at column 5 is not a hexadecimal digit" for the first
+// such character; nullopt when there is none.
+std::optional<std::string> non_hex_character(std::string_view text);
+
 // Lowercase hexadecimal, two characters per octet.
 std::string octets_to_hex(std::span<const uint8_t> octets);
 

@@ -44,6 +44,15 @@ int print_error(const std::string& message) {
     return 1;
 }
 
+int print_input_error(const std::string& message, int status) {
+    std::string line = message;
+    for (char& c : line) {
+        if (c == '\n' || c == '\r') c = ' ';
+    }
+    std::cerr << "smsutil: " << line << '\n';
+    return status;
+}
+
 std::string iso8601_local(unsigned year, unsigned month, unsigned day, unsigned hour, unsigned minute,
                           unsigned second) {
     std::array<char, 40> text{};

@@ -21,6 +21,10 @@ std::string to_line(const Json& value);
 // Prints {"error": message} as one output line; returns exit status 1.
 int print_error(const std::string& message);
 
+// "smsutil: message" on standard error, on one line so that scripts can
+// log it as it is; returns status.  For input the tool cannot start on.
+int print_input_error(const std::string& message, int status = 1);
+
 // "YYYY-MM-DDThh:mm:ss": the message record keeps no time zone, so the
 // service centre's local time is printed without an offset.
 std::string iso8601_local(unsigned year, unsigned month, unsigned day, unsigned hour, unsigned minute,

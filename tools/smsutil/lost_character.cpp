@@ -23,12 +23,15 @@ std::optional<LostCharacter> first_lost_character(std::string_view meant, std::s
     return std::nullopt;
 }
 
-std::string describe(const LostCharacter& lost) {
+std::string quoted_character(uint32_t code_point) {
     std::array<char, 16> code{};
-    std::snprintf(code.data(), code.size(), "U+%04X", static_cast<unsigned>(lost.code_point));
-    std::string text = "character " + std::to_string(lost.position) + ", ";
-    if (lost.code_point < 0x20 || lost.code_point == 0x7F) return text + code.data();
-    return text + "'" + utf8_of(lost.code_point) + "' (" + code.data() + ")";
+    std::snprintf(code.data(), code.size(), "U+%04X", static_cast<unsigned>(code_point));
+    if (code_point < 0x20 || code_point == 0x7F) return code.data();
+    return "'" + utf8_of(code_point) + "' (" + code.data() + ")";
+}
+
+std::string describe(const LostCharacter& lost) {
+    return "character " + std::to_string(lost.position) + ", " + quoted_character(lost.code_point);
 }
 
 }  // namespace smsutil::cli

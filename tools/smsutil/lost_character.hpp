@@ -19,7 +19,10 @@ struct LostCharacter {
 // got; nullopt when got holds all of meant (and maybe more).
 std::optional<LostCharacter> first_lost_character(std::string_view meant, std::string_view got);
 
-// "character 5, 'ı' (U+0131)"; control characters by their code alone.
+// "'ı' (U+0131)"; control characters by their code alone.
+std::string quoted_character(uint32_t code_point);
+
+// "character 5, 'ı' (U+0131)".
 std::string describe(const LostCharacter& lost);
 
 }  // namespace smsutil::cli

@@ -12,6 +12,7 @@ namespace smsutil::cli {
 struct Packs {
     std::vector<std::string> texts;  // UTF-8 text of each pack
     std::string error;               // empty when the packs are usable
+    bool over_limit = false;         // the text needs more packs than a message may have
 };
 
 // coding is Gsm7 or Ucs2, already resolved.  The packs must add up to the

@@ -5,7 +5,6 @@
 namespace smsutil::cli {
 namespace {
 
-constexpr size_t kMaxPduCharacters = SMS_PDU_TEXT_SIZE - 1;
 constexpr unsigned kMaxServiceCentreOctets = 9;
 
 std::string transport_status_text(wms_status_e_type status) {
@@ -46,11 +45,8 @@ std::optional<std::string> decoded_problem(const DecodedTpdu& tpdu) {
 
 }  // namespace
 
-ParseFailure diagnose_parse_failure(std::string_view text, const PduText& pdu, uint32_t state,
+ParseFailure diagnose_parse_failure(const PduText& pdu, uint32_t state,
                                     const DecodedTpdu& tpdu) {
-    if (text.size() > kMaxPduCharacters) {
-        return {"PDU longer than " + std::to_string(kMaxPduCharacters) + " characters", std::nullopt};
-    }
     if (!pdu.error.empty()) return {pdu.error, std::nullopt};
     const unsigned sca_octets = pdu.service_centre[0];
     if (sca_octets > kMaxServiceCentreOctets) {

@@ -1,6 +1,7 @@
 #include "pdu_text.hpp"
 
 #include "hex.hpp"
+#include "modem_input.hpp"
 
 namespace smsutil::cli {
 
@@ -10,10 +11,19 @@ PduText split_pdu_text(std::string_view text) {
         pdu.error = "empty PDU";
         return pdu;
     }
+    // In the order a person reads the line: a stray character first, then
+    // the length; a line too long is not shown whole.
+    if (auto stray = non_hex_character(text)) {
+        pdu.error = *stray;
+        return pdu;
+    }
+    if (text.size() > kMaxPduLineCharacters) {
+        pdu.error = "longer than a PDU can be (more than " + std::to_string(kMaxPduLineCharacters) + " characters)";
+        return pdu;
+    }
     auto octets = hex_to_octets(text);
     if (!octets) {
-        pdu.error = text.size() % 2 != 0 ? "odd number of hexadecimal characters"
-                                         : "not a hexadecimal text";
+        pdu.error = "odd number of hexadecimal characters";
         return pdu;
     }
     const size_t sca_octets = 1 + size_t{(*octets)[0]};

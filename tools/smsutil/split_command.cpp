@@ -20,7 +20,8 @@ int run_split(const SplitOptions& options) {
     Coding coding = resolve_coding(options.text_options, options.text);
     Packs packs = split_packs(options.text, coding, options.text_options.language);
     // As for encode: auto only keeps 7-bit packs that still spell the text.
-    if (!packs.error.empty() && options.text_options.coding == Coding::Auto && coding == Coding::Gsm7) {
+    if (!packs.error.empty() && !packs.over_limit && options.text_options.coding == Coding::Auto &&
+        coding == Coding::Gsm7) {
         coding = Coding::Ucs2;
         packs = split_packs(options.text, coding, options.text_options.language);
     }
@@ -47,7 +48,7 @@ void add_split_command(CLI::App& app, int& exit_status) {
     auto* text = cmd->add_option("TEXT", options->text, "UTF-8 text; - or nothing reads standard input");
     cmd->footer(
         "Example:\n"
-        "  smsutil split --coding gsm7 --lang spanish \"$(cat examples/long_spanish.txt)\"\n"
+        "  smsutil split --lang spanish - < examples/long_spanish.txt\n"
         "One JSON object per pack: pack, total, coding, length (bytes of UTF-8) and text.");
     cmd->callback([options, text, &exit_status] {
         options->text = text_from_argument(options->text, text->count() > 0);

@@ -1,27 +1,20 @@
 #include "text_coding.hpp"
 
-#include <map>
+#include <cstdint>
 
+#include "option_values.hpp"
 #include "smsutil/smsutil.h"
 #include "surrogate_text.hpp"
 
 namespace smsutil::cli {
-namespace {
 
-// Four packs of 160 codes at most; anything longer is refused when split.
-constexpr int32_t kMaxGsm7Codes = 4096;
-
-}  // namespace
-
+// The names stand in the order of the values they take.
 void add_text_options(CLI::App& cmd, TextOptions& options) {
-    static const std::map<std::string, Coding> kCodings{
-        {"auto", Coding::Auto}, {"gsm7", Coding::Gsm7}, {"ucs2", Coding::Ucs2}};
-    static const std::map<std::string, uint32_t> kLanguages{{"none", 0}, {"turkish", 1}, {"spanish", 2}};
     cmd.add_option("--coding", options.coding, "auto (GSM 7-bit when every character fits, else UCS-2), gsm7, ucs2")
-        ->transform(CLI::CheckedTransformer(kCodings))
+        ->transform(one_of("--coding", {"auto", "gsm7", "ucs2"}))
         ->default_str("auto");
     cmd.add_option("--lang", options.language, "National language of the 7-bit text: none, turkish, spanish")
-        ->transform(CLI::CheckedTransformer(kLanguages))
+        ->transform(one_of("--lang", {"none", "turkish", "spanish"}))
         ->default_str("none");
 }
 
@@ -43,9 +36,14 @@ const char* language_name(uint32_t language) {
 }
 
 std::optional<std::vector<uint8_t>> utf8_to_gsm7(const std::string& text, uint32_t language) {
-    std::vector<uint8_t> codes(kMaxGsm7Codes, 0);
+    // A character takes two codes at most (an escape pair).
+    const size_t capacity = 2 * text.size() + 1;
+    if (capacity > INT32_MAX) return std::nullopt;
+    std::vector<uint8_t> codes(capacity, 0);
     uint32_t length = 0;
-    if (UTF8_TO_7BIT(text.c_str(), codes.data(), kMaxGsm7Codes, &length, language) != 0) return std::nullopt;
+    if (UTF8_TO_7BIT(text.c_str(), codes.data(), static_cast<int32_t>(capacity), &length, language) != 0) {
+        return std::nullopt;
+    }
     codes.resize(length);
     return codes;
 }

@@ -42,7 +42,9 @@ INSTANTIATE_TEST_SUITE_P(
                       GoldenCase{"status_report", "status_report.pdu", {}},
                       GoldenCase{"status_report_detail", "status_report.pdu", {"--detail"}},
                       GoldenCase{"long_message", "long_message.pdu", {}},
-                      GoldenCase{"long_message_detail", "long_message.pdu", {"--detail"}}),
+                      GoldenCase{"long_message_detail", "long_message.pdu", {"--detail"}},
+                      // Each stored message decodes by the status its header gives, whatever --state says.
+                      GoldenCase{"cmgl_session", "cmgl_session.txt", {"--state", "1"}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Decode, ArgumentsAndStandardInputGiveTheSameLines) {
@@ -85,7 +87,8 @@ TEST_P(DecodeBadPdu, PrintsTheCauseAndExitsWithOne) {
     const auto lines = lines_of(run.out);
     ASSERT_EQ(lines.size(), 1U) << run.out;
     const json out = json::parse(lines[0]);
-    EXPECT_EQ(out["pdu"], c.pdu);
+    // A line too long to be a PDU is shown by its start only.
+    EXPECT_EQ(out["pdu"], c.pdu.size() > 352 ? c.pdu.substr(0, 40) + "..." : c.pdu);
     EXPECT_NE(out["error"].get<std::string>().find(c.error_part), std::string::npos) << out["error"];
     EXPECT_EQ(out["result"], c.result);
     EXPECT_EQ(out["error_code"], c.error_code);
@@ -100,9 +103,17 @@ const std::string kDeliverTail = "02E834";
 INSTANTIATE_TEST_SUITE_P(
     Cases, DecodeBadPdu,
     ::testing::Values(
-        BadPduCase{"NotHex", "0891zz", "1", "not a hexadecimal text", nullptr, nullptr},
+        BadPduCase{"NotHex", "0891zz", "1", "'z' (U+007A) at column 5 is not a hexadecimal digit", nullptr, nullptr},
+        BadPduCase{"Words", "hello world", "1", "'h' (U+0068) at column 1", nullptr, nullptr},
+        BadPduCase{"HeaderGivenAsPdu", "+CMT: ,36", "1", "'+' (U+002B) at column 1", nullptr, nullptr},
+        BadPduCase{"NonAscii", "0\u00E9", "1", "'\u00E9' (U+00E9) at column 2", nullptr, nullptr},
+        BadPduCase{"ControlCharacter", "08\t91", "1", "U+0009 at column 3", nullptr, nullptr},
+        // A stray character is named before the length is judged.
+        BadPduCase{"StrayCharacterInAnOddLine", "089x1", "1", "'x' (U+0078) at column 4", nullptr, nullptr},
         BadPduCase{"OddLength", kSc + "040", "1", "odd number", nullptr, nullptr},
-        BadPduCase{"TooLong", kSc + std::string(496, '0'), "1", "longer than 512", nullptr, nullptr},
+        BadPduCase{"LongestLineIsJudgedAsAPdu", std::string(352, '0'), "1", "no digits", -1, nullptr},
+        BadPduCase{"TooLong", std::string(353, '0'), "1", "longer than a PDU can be (more than 352", nullptr,
+                   nullptr},
         BadPduCase{"ServiceCentreCutShort", "0891683119", "1", "ends before", -1, nullptr},
         BadPduCase{"ServiceCentreTooLong", "0A91" + std::string(18, '1') + "0400", "1", "length 10", -1, nullptr},
         BadPduCase{"NoServiceCentre", "00" + kDeliverHead + "42506070809023" + kDeliverTail, "1", "no digits", -1,
@@ -117,6 +128,22 @@ INSTANTIATE_TEST_SUITE_P(
         BadPduCase{"EscapeWithoutCharacter", kSc + kDeliverHead + "42506070809023" + "029B20", "1",
                    "does not convert", -1, nullptr}),
     [](const auto& info) { return std::string(info.param.name); });
+
+// A header's length that does not match is a problem beside the message;
+// a header without its PDU fails with its line, and the rest goes on.
+TEST(Decode, ModemHeadersThatDoNotFit) {
+    const std::string pdu = kSc + kDeliverHead + "42506070809023" + kDeliverTail;
+    const ToolRun run = run_in_process({"decode"}, "+CMGR: 1,,19\n" + pdu + "\n+CMGL: 3,1,,18\nOK\n+CMT: ,18\n" + pdu);
+    EXPECT_EQ(run.status, 1);
+    const auto lines = json_lines(run.out);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0]["problems"], json::array({"+CMGR gives a length of 19 TPDU octets, the PDU holds 18"}));
+    EXPECT_EQ(lines[0]["text"], "hi");
+    EXPECT_EQ(lines[1], (json{{"index", 3}, {"stat", {{"code", 1}, {"name", "received read"}}}, {"line", 3},
+                              {"pdu", ""}, {"error", "+CMGL header without a PDU line after it"},
+                              {"result", nullptr}, {"error_code", nullptr}}));
+    EXPECT_FALSE(lines[2].contains("problems"));
+}
 
 TEST(Decode, SkipsBlankAndCommentLines) {
     const std::string good = lines_of(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/deliver_7bit.pdu")).at(1);

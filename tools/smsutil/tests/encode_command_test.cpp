@@ -119,8 +119,14 @@ TEST_P(EncodeRefusedText, PrintsAnErrorAndExitsWithOne) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, EncodeRefusedText,
     ::testing::Values(
-        RefusedTextCase{"Over612Codes", repeat("x", 613), "gsm7", "none", "refused the text as gsm7"},
-        RefusedTextCase{"Over268Characters", repeat("\u0436", 269), "auto", "none", "refused the text as ucs2"},
+        RefusedTextCase{"Over612Codes", repeat("x", 613), "gsm7", "none",
+                        "the text needs 5 parts of up to 153 GSM 7-bit codes, more than the limit of 4"},
+        // Auto does not fall back to UCS-2, which would need even more parts.
+        RefusedTextCase{"AutoOver612Codes", repeat("x", 613), "auto", "none", "5 parts of up to 153 GSM 7-bit codes"},
+        // An escape pair is not cut: 76 pairs a part, the fifth part starts at pair 305.
+        RefusedTextCase{"EscapePairsKeptWhole", repeat("{", 305), "gsm7", "none", "needs 5 parts"},
+        RefusedTextCase{"Over268Characters", repeat("\u0436", 269), "auto", "none",
+                        "the text needs 5 parts of up to 67 UCS-2 characters, more than the limit of 4"},
         RefusedTextCase{"NoSevenBitCode", "\u4F60", "gsm7", "none", "without a GSM 7-bit code"},
         RefusedTextCase{"NoSpanishCode", "\u011F", "gsm7", "spanish", "under language spanish"},
         RefusedTextCase{"TurkishLetterAsGsm7", "\u0131", "gsm7", "turkish", "verification failed for part 1 of 1"},
@@ -213,20 +219,25 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"NoCommand", {}, "subcommand"},
         UsageCase{"UnknownCommand", {"frobnicate"}, "unknown command 'frobnicate'"},
         UsageCase{"UnknownOption", {"decode", "--colour"}, "--colour"},
-        UsageCase{"StateAboveThree", {"decode", "--state", "4", "00"}, "--state"},
-        UsageCase{"StateNotANumber", {"decode", "--state", "x", "00"}, "--state"},
+        UsageCase{"StateAboveThree", {"decode", "--state", "4", "00"}, "--state must be a whole number from 0 to 3"},
+        UsageCase{"StateNotANumber", {"decode", "--state", "x", "00"}, "--state must be a whole number from 0 to 3"},
+        UsageCase{"StateWithSign", {"decode", "--state", "+1", "00"}, "--state must be a whole number from 0 to 3"},
         UsageCase{"MissingDestination", {"encode", "--smsc", "456", "Hi"}, "--to"},
         UsageCase{"MissingServiceCentre", {"encode", "--to", "123", "Hi"}, "--smsc"},
         UsageCase{"DestinationWithLetter", {"encode", "--to", "12a", "--smsc", "456", "Hi"}, "--to"},
         UsageCase{"ServiceCentrePlusAlone", {"encode", "--to", "123", "--smsc", "+", "Hi"}, "--smsc"},
         UsageCase{"DestinationTooLong", {"encode", "--to", "123456789012345678901", "--smsc", "4", "Hi"}, "--to"},
-        UsageCase{"UnknownCoding", encode_with({"--coding", "latin1", "Hi"}), "--coding"},
-        UsageCase{"UnknownLanguage", encode_with({"--lang", "klingon", "Hi"}), "--lang"},
-        UsageCase{"ValidityUnderAMinute", encode_with({"--validity", "59", "Hi"}), "--validity"},
-        UsageCase{"ValidityOf360Days", encode_with({"--validity", "31104000", "Hi"}), "--validity"},
-        UsageCase{"ReferenceAbove255", encode_with({"--ref", "256", "Hi"}), "--ref"},
+        UsageCase{"UnknownCoding", encode_with({"--coding", "latin1", "Hi"}), "smsutil: --coding must be auto, gsm7 or ucs2"},
+        UsageCase{"CodingByNumber", encode_with({"--coding", "1", "Hi"}), "--coding must be auto, gsm7 or ucs2"},
+        UsageCase{"UnknownLanguage", encode_with({"--lang", "klingon", "Hi"}), "--lang must be none, turkish or spanish"},
+        UsageCase{"ValidityUnderAMinute", encode_with({"--validity", "59", "Hi"}),
+                  "--validity must be a whole number from 60 to 31103999"},
+        UsageCase{"ValidityOf360Days", encode_with({"--validity", "31104000", "Hi"}), "--validity must be"},
+        UsageCase{"ValidityHuge", encode_with({"--validity", "99999999999", "Hi"}), "--validity must be"},
+        UsageCase{"ReferenceAbove255", encode_with({"--ref", "256", "Hi"}), "--ref must be a whole number from 0 to 255"},
+        UsageCase{"ReferenceEmpty", encode_with({"--ref", "", "Hi"}), "--ref must be"},
         UsageCase{"TwoTexts", encode_with({"Hi", "there"}), "there"},
-        UsageCase{"SplitUnknownCoding", {"split", "--coding", "x", "Hi"}, "--coding"}),
+        UsageCase{"SplitUnknownCoding", {"split", "--coding", "x", "Hi"}, "--coding must be auto, gsm7 or ucs2"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Split, ListsThePacksWithTheirByteLengths) {
@@ -267,6 +278,37 @@ TEST(Help, EveryCommandShowsAnExampleAndExitsWithZero) {
         EXPECT_NE(run.out.find("Example"), std::string::npos) << example;
         EXPECT_NE(run.out.find(example), std::string::npos) << example;
     }
+}
+
+TEST(Help, UsageNamesTheToolNotItsPathAndExamplesExist) {
+    const ToolRun run = run_tool({"split", "--help"});
+    EXPECT_NE(run.out.find("Usage: smsutil split"), std::string::npos) << run.out;
+    const size_t at = run.out.find("examples/");
+    ASSERT_NE(at, std::string::npos);
+    const std::string path = run.out.substr(at, run.out.find_first_of(" \n", at) - at);
+    EXPECT_FALSE(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/../" + path).empty()) << path;
+}
+
+// Without --ref each long message of a run takes a reference of its own,
+// and all its parts share it.
+TEST(Encode, LongMessagesWithoutReferenceDoNotShareOne) {
+    std::vector<json> references;
+    for (const char* text : {"first", "second", "third"}) {
+        const ToolRun sent = run_in_process({"encode", "--to", kTo, "--smsc", kSmsc, "--at", repeat(text, 40)});
+        ASSERT_EQ(sent.status, 0) << sent.out;
+        std::vector<std::string> pdus;
+        for (const auto& line : lines_of(sent.out)) {
+            if (line.rfind("AT", 0) != 0) pdus.push_back(line);
+        }
+        pdus.insert(pdus.begin(), {"decode", "--state", "2"});
+        const auto parts = json_lines(run_in_process(pdus).out);
+        ASSERT_EQ(parts.size(), 2U);
+        EXPECT_EQ(parts[0]["concatenation"]["reference"], parts[1]["concatenation"]["reference"]);
+        references.push_back(parts[0]["concatenation"]["reference"]);
+    }
+    EXPECT_NE(references[0], references[1]);
+    EXPECT_NE(references[1], references[2]);
+    EXPECT_NE(references[0], references[2]);
 }
 
 TEST(Version, PrintsTheProjectVersion) {

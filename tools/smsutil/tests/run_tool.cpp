@@ -6,6 +6,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "run.hpp"
+
 namespace smsutil::cli::test {
 namespace {
 
@@ -45,6 +47,19 @@ ToolRun run_tool(const std::vector<std::string>& args, const std::string& input)
     run.out = read_file(out_path);
     run.err = read_file(err_path);
     return run;
+}
+
+ToolRun run_in_process(const std::vector<std::string>& args, const std::string& input) {
+    std::vector<const char*> argv{SMSUTIL_TOOL_PATH};
+    for (const auto& arg : args) argv.push_back(arg.c_str());
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream err;
+    ToolRun result;
+    result.status = cli::run(static_cast<int>(argv.size()), argv.data(), in, out, err);
+    result.out = out.str();
+    result.err = err.str();
+    return result;
 }
 
 std::vector<std::string> lines_of(const std::string& text) {

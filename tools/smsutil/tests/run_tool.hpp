@@ -17,6 +17,10 @@ struct ToolRun {
 
 ToolRun run_tool(const std::vector<std::string>& args, const std::string& input = "");
 
+// The same through the tool's run() in this process: several messages in
+// one run share what the tool keeps between them.
+ToolRun run_in_process(const std::vector<std::string>& args, const std::string& input = "");
+
 std::string read_file(const std::string& path);
 
 // Lines of a text without their line ends; no entry for a last empty line.
