@@ -612,6 +612,7 @@ TEST_P(FindUtf8Count, BytesOfTheFirstCharacters)
 }
 INSTANTIATE_TEST_SUITE_P(Texts, FindUtf8Count,
                          ::testing::Values(Utf8CountCase{3, "a\xC3\xA9\xE2\x82\xAC" "b", 6},
+                                           Utf8CountCase{2, "\xDF\xBF\xE0\xA4\xA0" "b", 5},  // 0xDF, 0xE0 leads
                                            Utf8CountCase{0, "abc", 0}, Utf8CountCase{10, "abc", 3},
                                            Utf8CountCase{2, "a\xE2\x82", 1},  // cut-short sequence
                                            Utf8CountCase{1, "\xF0\x9F\x98\x80", 3}),  // 0xF0 reads as a 3-byte lead

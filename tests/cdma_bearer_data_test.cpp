@@ -433,9 +433,8 @@ INSTANTIATE_TEST_SUITE_P(
                    {0x03, 0x06, 0x26, 0x11, 0x22, 0x23, 0x59, 0x01, 0x07, 0x01, 167}, 0,
                    WMS_MASK_BD_MC_TIME | WMS_MASK_BD_DEFER_REL,
                    [](const auto &bd) {
-                       EXPECT_EQ(bd.mc_time.year, 0x26);
-                       EXPECT_EQ(bd.mc_time.second, 0x01);
-                       EXPECT_EQ(bd.mc_time.timezone, 0);
+                       const wms_timestamp sent{0x26, 0x11, 0x22, 0x23, 0x59, 0x01, 0};
+                       EXPECT_EQ(std::memcmp(&bd.mc_time, &sent, sizeof sent), 0);
                        EXPECT_EQ(bd.deferred_relative.day, 0x01);
                        EXPECT_EQ(bd.deferred_relative.hour, 0);
                    }},
