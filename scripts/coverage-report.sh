@@ -2,11 +2,13 @@
 # Line coverage of src/ from a --coverage build's counters: one line per
 # source directory and the total.  Usage: coverage-report.sh BUILD_DIR
 set -euo pipefail
-build=${1:?usage: coverage-report.sh BUILD_DIR}
+build=$(cd "${1:?usage: coverage-report.sh BUILD_DIR}" && pwd)
 root=$(cd "$(dirname "$0")/.." && pwd)
-summary=$(mktemp)
-trap 'rm -f "$summary"' EXIT
-gcovr --root "$root" --filter "$root/src/" --json-summary "$summary" "$build" >/dev/null
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+summary="$scratch/summary.json"
+# gcov writes its intermediate files into the working directory.
+(cd "$scratch" && gcovr --root "$root" --filter "$root/src/" --json-summary "$summary" "$build" >/dev/null)
 python3 - "$summary" <<'PY'
 import collections, json, sys
 files = json.load(open(sys.argv[1]))["files"]

@@ -365,6 +365,18 @@ TEST_F(ComposeSmsTest, LongPartCarriesConcatenationAndReference)
     const std::string t = tpdu();
     EXPECT_EQ(t.substr(0, 4), "5134");            // UDHI + VPF relative + SUBMIT, TP-MR 0x34
     EXPECT_NE(t.find("0500033403" "02"), std::string::npos);  // UDHL 5, IEI 0, len 3, ref, total, part
+
+    // Read back as a stored outgoing message, the part is recognised again.
+    SmsReadPdu in{};
+    in.state = 2;
+    std::strcpy(in.pdu, out_.pdu);
+    SmsMessage back{};
+    ASSERT_EQ(ParseSms(&in, &back), 0);
+    EXPECT_STREQ(back.content, "aaaaaaaaaa");
+    EXPECT_EQ(back.sms_flag_type, 1u);
+    EXPECT_EQ(back.btTotalPack, 3);
+    EXPECT_EQ(back.btPack, 2);
+    EXPECT_EQ(back.mr, 0x34);
 }
 
 TEST_F(ComposeSmsTest, PartNumberOutsideTheTotalGivesNoHeader)

@@ -83,7 +83,6 @@ TEST(BitReader, FailsPastTheEndAndZeroExtendsOnRequest)
 }
 
 constexpr std::size_t kBufSize = 6;
-constexpr unsigned kLastPosition = 24;  // every offset within three octets
 
 using Buffer = std::array<std::uint8_t, kBufSize>;
 
