@@ -1,5 +1,5 @@
 # Thin wrapper over the CMake presets.
-.PHONY: all deps build test asan arm-test demo clean
+.PHONY: all deps build test asan arm-test coverage demo clean
 
 all: build
 
@@ -17,6 +17,14 @@ asan: deps
 	cmake --preset asan
 	cmake --build --preset asan
 	ctest --preset asan
+
+# Line coverage of src/ under the whole suite, per directory (needs gcovr).
+coverage: deps
+	cmake --preset coverage
+	cmake --build --preset coverage
+	find build/coverage -name '*.gcda' -delete
+	ctest --preset coverage
+	scripts/coverage-report.sh build/coverage
 
 arm-test:
 	@scripts/install-deps.sh --with-arm

@@ -32,8 +32,19 @@ int decode_tpdu(const uint8_t *data, std::size_t size, Decode decode)
 {
     Input in(data, size);
     const wms_raw_tpdu raw = raw_tpdu(in);
-    Record msg{};  // the caller clears the record
+    Record msg;  // the caller clears the record
+    std::memset(&msg, 0, sizeof msg);
     const wms_status_e_type rc = decode(&raw, &msg);
+    // The octets past len must not matter: decoding again with them set
+    // differently gives the same result and the same record.
+    if (raw.len < WMS_MAX_LEN) {
+        wms_raw_tpdu other = raw;
+        for (std::size_t i = raw.len; i < WMS_MAX_LEN; ++i) other.data[i] = static_cast<uint8_t>(~raw.data[i] ^ i);
+        Record again;
+        std::memset(&again, 0, sizeof again);
+        FUZZ_CHECK(decode(&other, &again) == rc);
+        FUZZ_CHECK(std::memcmp(&msg, &again, sizeof msg) == 0);
+    }
     FUZZ_CHECK(rc == WMS_TS_STATUS_OK || rc == WMS_TS_STATUS_BAD_ADDRESS || rc == WMS_TS_STATUS_BAD_USER_DATA_LENGTH ||
                rc == WMS_TS_STATUS_BAD_TIME || rc == WMS_TS_STATUS_BAD_VALIDITY_FORMAT);
     if (rc == WMS_TS_STATUS_OK) {

@@ -13,7 +13,7 @@
 #include "../fuzz/reassembly_driver.hpp"
 #include "reassembly/checksum.hpp"
 #include "smsutil/smsutil.h"
-#include "support/alloc_counter.hpp"
+#include "support/support.hpp"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Two ways to see every allocation: under AddressSanitizer its allocator
 // hooks; elsewhere by interposing the C allocation functions, which the
 // shared library and libstdc++'s operator new reach through the PLT.
-#include "support/alloc_counter.hpp"
+#include "support/support.hpp"
 
 #include <atomic>
 #include <cstdlib>
