@@ -112,6 +112,7 @@ struct ChoiceCase {
     std::size_t parts;
     std::uint8_t alphabet, locking, single;
     std::size_t first_part_bytes;  // of the text, in part 1
+    std::size_t first_udl;         // TP-UDL of part 1
 };
 
 TEST(PduEncode, ChoosesTablesAndCutsAtEveryBoundary)
@@ -119,39 +120,39 @@ TEST(PduEncode, ChoosesTablesAndCutsAtEveryBoundary)
     const std::string a = "a", euro = "\xE2\x82\xAC", han = "\xE4\xBD\xA0", smile = "\xF0\x9F\x98\x80";
     const std::string s_cedilla = "\xC5\x9F", dotless_i = "\xC4\xB1";
     const ChoiceCase cases[] = {
-        {"", 0, false, 1, G7, 0, 0, 0},
-        {times(a, 160), 0, false, 1, G7, 0, 0, 160},
-        {times(a, 161), 0, false, 2, G7, 0, 0, 153},
-        {times(a, 306), 0, false, 2, G7, 0, 0, 153},
-        {times(a, 307), 0, false, 3, G7, 0, 0, 153},
-        {times(a, 304), 0, true, 2, G7, 0, 0, 152},
-        {times(a, 305), 0, true, 3, G7, 0, 0, 152},
-        {times(a, 153 * 255), 0, false, 255, G7, 0, 0, 153},
-        {times(euro, 80), 0, false, 1, G7, 0, 0, 240},
+        {"", 0, false, 1, G7, 0, 0, 0, 0},
+        {times(a, 160), 0, false, 1, G7, 0, 0, 160, 160},
+        {times(a, 161), 0, false, 2, G7, 0, 0, 153, 160},
+        {times(a, 306), 0, false, 2, G7, 0, 0, 153, 160},
+        {times(a, 307), 0, false, 3, G7, 0, 0, 153, 160},
+        {times(a, 304), 0, true, 2, G7, 0, 0, 152, 160},
+        {times(a, 305), 0, true, 3, G7, 0, 0, 152, 160},
+        {times(a, 153 * 255), 0, false, 255, G7, 0, 0, 153, 160},
+        {times(euro, 80), 0, false, 1, G7, 0, 0, 240, 160},
         // An escape sequence that would straddle the boundary moves on whole.
-        {times(a, 152) + euro + times(a, 151), 0, false, 2, G7, 0, 0, 152},
-        {times(a, 152) + euro + times(a, 152), 0, false, 3, G7, 0, 0, 152},
+        {times(a, 152) + euro + times(a, 151), 0, false, 2, G7, 0, 0, 152, 159},
+        {times(a, 152) + euro + times(a, 152), 0, false, 3, G7, 0, 0, 152, 159},
         // The default alphabet whenever it holds the text, even where a
         // locking shift would take fewer parts.
-        {times(euro, 81), kAll, false, 2, G7, 0, 0, 228},
-        {times(han, 70), 0, false, 1, U2, 0, 0, 210},
-        {times(han, 71), 0, false, 2, U2, 0, 0, 201},
-        {times(han, 134), 0, false, 2, U2, 0, 0, 201},
-        {times(han, 135), 0, false, 3, U2, 0, 0, 201},
-        {times(han, 133), 0, true, 3, U2, 0, 0, 198},
-        {times(smile, 35), 0, false, 1, U2, 0, 0, 140},
-        {times(han, 66) + smile + times(han, 5), 0, false, 2, U2, 0, 0, 198},
+        {times(euro, 81), kAll, false, 2, G7, 0, 0, 228, 159},
+        {times(han, 70), 0, false, 1, U2, 0, 0, 210, 140},
+        {times(han, 71), 0, false, 2, U2, 0, 0, 201, 140},
+        {times(han, 134), 0, false, 2, U2, 0, 0, 201, 140},
+        {times(han, 135), 0, false, 3, U2, 0, 0, 201, 140},
+        {times(han, 133), 0, true, 3, U2, 0, 0, 198, 139},
+        {times(smile, 35), 0, false, 1, U2, 0, 0, 140, 140},
+        {times(han, 66) + smile + times(han, 5), 0, false, 2, U2, 0, 0, 198, 138},
         // One shift element: 155 septets in a single part, 149 with concatenation.
-        {s_cedilla + times(a, 153), 1u << T, false, 1, G7, 0, T, 155},
-        {s_cedilla + times(a, 154), 1u << T, false, 1, G7, T, 0, 156},
-        {s_cedilla + times(a, 155), 1u << T, false, 2, G7, 0, T, 149},
-        {times(dotless_i, 298), 1u << T, false, 2, G7, T, 0, 298},
-        {times(dotless_i, 299), 1u << T, false, 3, G7, T, 0, 298},
-        {s_cedilla, 1u << S, false, 1, U2, 0, 0, 2},
-        {s_cedilla, 0, false, 1, U2, 0, 0, 2},
-        {"\xC2\xBF" "C\xC3\xB3mo est\xC3\xA1s, se\xC3\xB1or?", kAll, false, 1, G7, 0, S, 23},
-        {"N\xC3\xA3o h\xC3\xA1 a\xC3\xA7\xC3\xA3o", kAll, false, 1, G7, 0, P, 15},
-        {s_cedilla + " \xC3\xAA", kAll, false, 1, G7, T, P, 5},
+        {s_cedilla + times(a, 153), 1u << T, false, 1, G7, 0, T, 155, 160},
+        {s_cedilla + times(a, 154), 1u << T, false, 1, G7, T, 0, 156, 160},
+        {s_cedilla + times(a, 155), 1u << T, false, 2, G7, 0, T, 149, 160},
+        {times(dotless_i, 298), 1u << T, false, 2, G7, T, 0, 298, 160},
+        {times(dotless_i, 299), 1u << T, false, 3, G7, T, 0, 298, 160},
+        {s_cedilla, 1u << S, false, 1, U2, 0, 0, 2, 2},
+        {s_cedilla, 0, false, 1, U2, 0, 0, 2, 2},
+        {"\xC2\xBF" "C\xC3\xB3mo est\xC3\xA1s, se\xC3\xB1or?", kAll, false, 1, G7, 0, S, 23, 26},
+        {"N\xC3\xA3o h\xC3\xA1 a\xC3\xA7\xC3\xA3o", kAll, false, 1, G7, 0, P, 15, 20},
+        {s_cedilla + " \xC3\xAA", kAll, false, 1, G7, T, P, 5, 12},
     };
     for (const ChoiceCase &c : cases) {
         SCOPED_TRACE(testing::Message() << "text of " << c.text.size() << " bytes: " << c.text.substr(0, 40));
@@ -165,6 +166,7 @@ TEST(PduEncode, ChoosesTablesAndCutsAtEveryBoundary)
         EXPECT_EQ(first.locking_language, c.locking);
         EXPECT_EQ(first.single_language, c.single);
         EXPECT_EQ(first.text_length, c.first_part_bytes);
+        EXPECT_EQ(first.octets[8], c.first_udl);  // after 00, first octet, TP-MR, 01 81 F0, TP-PID, TP-DCS
         std::size_t covered = 0;
         for (std::size_t i = 0; i < e.count; ++i) {
             EXPECT_EQ(e.parts[i].text_offset, covered);

@@ -144,9 +144,11 @@ std::size_t write_gsm7(const Plan &plan, std::span<const std::uint8_t> text, Oct
     std::size_t n = 0;
     std::size_t pos = 0;
     char32_t cp = 0;
-    while (next_code_point(text, pos, cp) && n + 2 <= septets.size()) {
+    while (next_code_point(text, pos, cp)) {
         const Codes &codes = codes_of(cp);
-        if (codes.locking[plan.locking] != kNoCode) {
+        const bool escaped = codes.locking[plan.locking] == kNoCode;
+        if (n + (escaped ? 2 : 1) > septets.size()) break;  // the cutter keeps parts within this
+        if (!escaped) {
             septets[n++] = codes.locking[plan.locking];
         } else {
             septets[n++] = kEscape;
