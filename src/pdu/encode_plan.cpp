@@ -33,6 +33,15 @@ constexpr unsigned table_mask(const Codes &codes)
     return mask;
 }
 
+// Most text is Latin-1, whose masks are worked out once at compile time.
+inline constexpr auto kLatin1Masks = [] {
+    std::array<std::uint8_t, 256> masks{};
+    for (char32_t cp = 0; cp < masks.size(); ++cp) masks[cp] = static_cast<std::uint8_t>(table_mask(codes_of(cp)));
+    return masks;
+}();
+
+constexpr unsigned mask_of(char32_t cp) { return cp < kLatin1Masks.size() ? kLatin1Masks[cp] : table_mask(codes_of(cp)); }
+
 // Every table combination in the order that breaks ties between equal
 // part counts: the default alphabet; one shift element (single shifts
 // first, since a receiver without the language still reads every other
@@ -75,7 +84,7 @@ bool take_census(std::span<const std::uint8_t> text, Census &census)
         if (!next_code_point(text, pos, cp)) return false;
         ++census.characters;
         if (cp > 0xFFFF) ++census.supplementary;
-        const unsigned mask = table_mask(codes_of(cp));
+        const unsigned mask = mask_of(cp);
         if (census.count[mask]++ == 0) census.masks[census.distinct++] = static_cast<std::uint8_t>(mask);
     }
     return true;
