@@ -48,7 +48,7 @@ Encoded encode(const std::string &text, const sms_pdu_encode_options &o, std::si
 {
     Encoded e;
     e.parts.resize(capacity);
-    std::memset(e.parts.data(), 0xAB, capacity * sizeof(sms_pdu_part));
+    for (sms_pdu_part &p : e.parts) std::memset(&p, 0xAB, sizeof p);
     smsutil::test::AllocationScope heap;
     e.result = sms_pdu_encode(text.data(), text.size(), &o, e.parts.data(), capacity, &e.count);
     e.allocations = heap.allocations();
