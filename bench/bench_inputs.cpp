@@ -166,6 +166,16 @@ std::string text_mixed_160()
     return repeat("Caf\xC3\xA9 \xC3\xBC" "ber 5\xE2\x82\xAC [ok]", 10);
 }
 
+std::string text_turkish_382()
+{
+    // 62 characters, six times, and a greeting: 382 characters, 43 of them
+    // letters the default alphabet lacks.
+    return repeat("G\xC3\xBCnayd\xC4\xB1n! Bug\xC3\xBCn hava \xC3\xA7ok g\xC3\xBCzel; ak\xC5\x9F" "am "
+                  "yeme\xC4\x9Finde bulu\xC5\x9F" "al\xC4\xB1m m\xC4\xB1? ",
+                  6) +
+           "G\xC3\xB6r\xC3\xBC\xC5\x9F\xC3\xBCr\xC3\xBCz.";
+}
+
 wms_raw_tpdu raw_deliver_gsm7_160()
 {
     wms_gw_deliver d = deliver(WMS_ALPHABET_GSM7);

@@ -32,6 +32,10 @@ std::string text_cjk_268();
 // (letters, accented letters, the euro sign and brackets).
 std::string text_mixed_160();
 
+// 382 characters of Turkish that the Turkish locking-shift table sends in
+// three parts (UCS-2 would take six).
+std::string text_turkish_382();
+
 // TPDUs for the transport codec.
 wms_raw_tpdu raw_deliver_gsm7_160();
 wms_gw_submit submit_gsm7_160();

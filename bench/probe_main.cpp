@@ -46,6 +46,7 @@ struct Inputs {
     std::string xml_4k = xml_document(4 << 10);
     std::string xml_1m = xml_document(1 << 20);
     std::string feature = write_feature_file();
+    std::string turkish = text_turkish_382();
 };
 
 const Inputs *g_in = nullptr;
@@ -62,6 +63,17 @@ wms_cdma_bearer_data g_bd;
 
 SmsReadPdu g_read;
 sms_pdu_record g_record;
+sms_pdu_part g_parts[3];
+
+bool encode_turkish()
+{
+    sms_pdu_encode_options options{};
+    options.languages = 1u << SMS_PDU_LANG_TURKISH | 1u << SMS_PDU_LANG_SPANISH | 1u << SMS_PDU_LANG_PORTUGUESE;
+    options.destination = "+905321234567";
+    std::size_t count = 0;
+    return sms_pdu_encode(g_in->turkish.data(), g_in->turkish.size(), &options, g_parts, 3, &count) == SMS_PDU_OK &&
+           count == 3;
+}
 
 // Harness buffers live outside the measured stack.
 bool parse(const SmsReadPdu &pdu)
@@ -131,6 +143,7 @@ const Entry kEntries[] = {
      }},
     {"xml_parse_4k", [] { return xml_parse(g_in->xml_4k); }},
     {"xml_parse_1m", [] { return xml_parse(g_in->xml_1m); }},
+    {"pdu_encode_turkish", encode_turkish},
     {"get_node_or_attr", [] { return NDL_XML_GetNodeOrAttr(g_in->feature.c_str(), kFeatureKey, g_text) == 0; }},
 };
 

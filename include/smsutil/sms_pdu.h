@@ -276,16 +276,21 @@ SMSUTIL_API int sms_pdu_decode_hex(const char *hex, size_t len, unsigned flags, 
 #define SMS_PDU_MAX_PARTS 255
 #define SMS_PDU_MAX_OCTETS 176 /* service-centre address (12) and the longest SUBMIT (164) */
 
+/* Options of sms_pdu_encode.  An all-zero record is a valid start: default
+ * alphabet or UCS-2, up to 255 parts, 8-bit reference 0, no validity
+ * period, no status report, no class; only the destination must be set. */
 typedef struct {
-    uint32_t languages;          /* national languages allowed: bits 1u << sms_pdu_language; 0: none */
+    uint32_t languages;          /* national languages allowed: bits 1u << sms_pdu_language (1 to 3); 0: none */
     uint16_t max_parts;          /* 1..255; 0 means 255 */
     uint8_t reference_16bit;     /* concatenation with a 16-bit reference */
     uint16_t reference;          /* concatenation reference (low octet with 8-bit references) */
     const char *destination;     /* "+" and digits for an international number, else digits */
-    const char *service_centre;  /* null or "": empty address (00) */
-    sms_pdu_validity validity;   /* relative rounded up to the next value that can be sent */
+    const char *service_centre;  /* null or "": empty address (00); else like destination */
+    sms_pdu_validity validity;   /* format NONE, RELATIVE (rounded up to the next value that can be
+                                    sent, at most 63 weeks), ABSOLUTE or ENHANCED (octets as given) */
     uint8_t status_report_request;
-    uint8_t message_class;       /* 0..3, or SMS_PDU_CLASS_NONE */
+    uint8_t has_message_class;   /* 0: no class; else message_class is sent */
+    uint8_t message_class;       /* 0..3 */
 } sms_pdu_encode_options;
 
 typedef struct {
@@ -293,15 +298,28 @@ typedef struct {
     uint16_t length;                      /* octets, service-centre address included */
     uint16_t tpdu_length;                 /* octets after the service-centre address */
     char hex[2 * SMS_PDU_MAX_OCTETS + 1]; /* lowercase, zero-terminated */
-    uint8_t alphabet;                     /* sms_pdu_alphabet */
+    uint8_t alphabet;                     /* sms_pdu_alphabet: GSM7 or UCS2 */
     uint8_t locking_language;             /* sms_pdu_language, SMS_PDU_LANG_NONE for the default table */
     uint8_t single_language;
+    uint32_t text_offset;                 /* the bytes of the input text this part carries */
+    uint32_t text_length;
 } sms_pdu_part;
 
 /* Encode a UTF-8 text of len bytes into SUBMIT PDUs: the default alphabet
- * when it holds the text, else the allowed national tables that take the
- * fewest parts, else UCS-2.  Up to capacity parts are written; *count
- * receives the number of parts the text takes. */
+ * when it holds the text; else, of the allowed national languages, the
+ * locking-shift and single-shift tables that take the fewest parts, the
+ * header octets of their shift elements counted; else UCS-2.  On equal
+ * parts the fewer shift elements win, then a single shift before a locking
+ * shift, then the lower language identifier.  A text of more than one part
+ * is cut into concatenated parts; a part never ends inside an escape
+ * sequence or a surrogate pair.  An empty text gives one empty part.
+ *
+ * *count receives the number of parts the text takes (also when that is
+ * more than max_parts or capacity).  The parts are written only on
+ * SMS_PDU_OK: SMS_PDU_ERR_TOO_MANY_PARTS when the text needs more than
+ * max_parts, SMS_PDU_ERR_NO_ROOM when it needs more than capacity (so a
+ * capacity of 0 asks for the count), and any other error leave parts as
+ * they were and *count at 0. */
 SMSUTIL_API int sms_pdu_encode(const char *utf8, size_t len, const sms_pdu_encode_options *options,
                                sms_pdu_part *parts, size_t capacity, size_t *count);
 
