@@ -9,10 +9,7 @@ extern "C" {
 
 SMSUTIL_API int32_t DecodeAddress(const wms_address *address, char *pszAddr, uint32_t *pdwLen)
 {
-    if (pszAddr == nullptr) {
-        SMS_TRACE("The DecodeAddress pszAddr pointer is NULL!\n\n");
-        return -1;
-    }
+    SMS_RETURN_IF_NULL(pszAddr);
     if (address == nullptr || pdwLen == nullptr || *pdwLen == 0) return -1;
     const uint32_t capacity = *pdwLen;
     uint32_t pos = 0;

@@ -9,6 +9,9 @@
 
 namespace {
 
+// The exported function its helpers report for.
+constexpr const char kComposeSms[] = "ComposeSms";
+
 constexpr uint32_t kMax7BitNormal = 160;
 constexpr uint32_t kMax7BitLong = 153;
 constexpr int32_t kMaxUcs2Normal = 70;
@@ -27,30 +30,30 @@ uint32_t validity_seconds(const char (&text)[SMS_VALIDITY_SIZE])
 // UTF-8 content into UCS-2 units in msg.SmsData; 0 or -1.
 int32_t prepare_ucs2(const SmsMessage &in, SmsMessageData &msg)
 {
-    SMS_TRACE_AS("ComposeSms", "The size of stMessage.SmsData is %d\n\n", static_cast<int>(sizeof msg.SmsData));
+    SMS_TRACE_AS(kComposeSms, "The size of stMessage.SmsData is %d\n\n", static_cast<int>(sizeof msg.SmsData));
     const std::size_t content_len = strnlen(in.content, sizeof in.content);
-    SMS_TRACE_AS("ComposeSms", "The strlen of  pInputSms->content is %d\n\n", static_cast<int>(content_len));
+    SMS_TRACE_AS(kComposeSms, "The strlen of  pInputSms->content is %d\n\n", static_cast<int>(content_len));
     // Unterminated content cannot be measured without reading past it.
     uint16_t units[SMS_PDU_TEXT_SIZE / 2 + 1] = {};
     const int32_t ret = content_len < sizeof in.content
                             ? UTF8_TO_UCS2(in.content, reinterpret_cast<uint8_t *>(units), static_cast<int32_t>(sizeof msg.SmsData))
                             : -1;
     if (ret < 0) {
-        SMS_TRACE_AS("ComposeSms", "UTF8_TO_UCS2 function run unsuccessfully!\n\n");
+        SMS_TRACE_AS(kComposeSms, "UTF8_TO_UCS2 function run unsuccessfully!\n\n");
         return ret;
     }
     std::memcpy(msg.SmsData, units, sizeof msg.SmsData - 1);
     const int32_t u = sms_wcslen(units);
     const int32_t c = MultiByte_WideChar(in.content);
-    SMS_TRACE_AS("ComposeSms", "The length of UCS2 is %d\n\n", 2 * u);
-    SMS_TRACE_AS("ComposeSms", "The length of utf8_char_length is %d\n\n", 2 * c);
+    SMS_TRACE_AS(kComposeSms, "The length of UCS2 is %d\n\n", 2 * u);
+    SMS_TRACE_AS(kComposeSms, "The length of utf8_char_length is %d\n\n", 2 * c);
     msg.dwLength = static_cast<uint32_t>(2 * c);
     if (in.sms_flag_type == 1 && c > kMaxUcs2Long) {
-        SMS_TRACE_AS("ComposeSms", "The ComposeSms UCS2 length is out of range in the long sms!\n\n");
+        SMS_TRACE_AS(kComposeSms, "The ComposeSms UCS2 length is out of range in the long sms!\n\n");
         return -1;
     }
     if (in.sms_flag_type == 0 && c > kMaxUcs2Normal) {
-        SMS_TRACE_AS("ComposeSms", "The ComposeSms UCS2 length is out of range in the normal sms!\n\n");
+        SMS_TRACE_AS(kComposeSms, "The ComposeSms UCS2 length is out of range in the normal sms!\n\n");
         return -1;
     }
     return 0;
@@ -58,17 +61,17 @@ int32_t prepare_ucs2(const SmsMessage &in, SmsMessageData &msg)
 
 int32_t prepare_7bit(const SmsMessage &in, SmsMessageData &msg)
 {
-    SMS_TRACE_AS("ComposeSms", "The length of 7bit is %d\n\n",
+    SMS_TRACE_AS(kComposeSms, "The length of 7bit is %d\n\n",
                  static_cast<int>(strnlen(in.content, sizeof in.content)));
     // Septet 0 is '@': the count comes from byContentLen, not the string.
     std::memcpy(msg.SmsData, in.content, in.byContentLen);
     msg.dwLength = in.byContentLen;
     if (in.sms_flag_type == 1 && msg.dwLength > kMax7BitLong) {
-        SMS_TRACE_AS("ComposeSms", "The ComposeSms 7 bit length is out of range in the long sms!\n\n");
+        SMS_TRACE_AS(kComposeSms, "The ComposeSms 7 bit length is out of range in the long sms!\n\n");
         return -1;
     }
     if (in.sms_flag_type == 0 && msg.dwLength > kMax7BitNormal) {
-        SMS_TRACE_AS("ComposeSms", "The ComposeSms 7 bit length is out of range in the normal sms!\n\n");
+        SMS_TRACE_AS(kComposeSms, "The ComposeSms 7 bit length is out of range in the normal sms!\n\n");
         return -1;
     }
     return 0;
@@ -128,14 +131,8 @@ SMSUTIL_API int32_t ComposeSms(const SmsMessage *pInputSms, SmsSendPdu *pOutputS
     SendOrWriteMsg work{};
     SmsOctetBuf composed;
     std::memset(&composed, 0, sizeof composed);
-    if (pInputSms == nullptr) {
-        SMS_TRACE("The ComposeSms pInputSms pointer is NULL!\n\n");
-        return -1;
-    }
-    if (pOutputSms == nullptr) {
-        SMS_TRACE("The ComposeSms pOutputSms pointer is NULL!\n\n");
-        return -1;
-    }
+    SMS_RETURN_IF_NULL(pInputSms);
+    SMS_RETURN_IF_NULL(pOutputSms);
     const SmsMessage &in = *pInputSms;
     stMessage.byCharset = static_cast<uint8_t>(in.sms_content_code);
     stMessage.byteCoding = static_cast<uint8_t>(in.byteCoding);

@@ -16,10 +16,7 @@ extern "C" {
 
 SMSUTIL_API int32_t EWCheckDialNum(const char *pszDialNum, uint32_t maxLen)
 {
-    if (pszDialNum == nullptr) {
-        SMS_TRACE("The EWCheckDialNum pszDialNum pointer is NULL!\n\n");
-        return -1;
-    }
+    SMS_RETURN_IF_NULL(pszDialNum);
     // Never look further than one byte past the allowed length: callers
     // pass fixed-size fields that a bad record may leave unterminated.  The
     // bound saturates, so the largest maximum cannot wrap it to 0 where
@@ -50,18 +47,9 @@ SMSUTIL_API int32_t EWCheckDialNum(const char *pszDialNum, uint32_t maxLen)
 SMSUTIL_API int32_t ConstructAddressData(const char *pszAddress, SendOrWriteMsg *PstSendOrWriteMsg,
                                          wms_address *PstAddress)
 {
-    if (pszAddress == nullptr) {
-        SMS_TRACE("The ConstructAddressData pszAddress pointer is NULL!\n\n");
-        return -1;
-    }
-    if (PstSendOrWriteMsg == nullptr) {
-        SMS_TRACE("The ConstructAddressData PstSendOrWriteMsg pointer is NULL!\n\n");
-        return -1;
-    }
-    if (PstAddress == nullptr) {
-        SMS_TRACE("The ConstructAddressData PstAddress pointer is NULL!\n\n");
-        return -1;
-    }
+    SMS_RETURN_IF_NULL(pszAddress);
+    SMS_RETURN_IF_NULL(PstSendOrWriteMsg);
+    SMS_RETURN_IF_NULL(PstAddress);
     std::memset(PstAddress, 0, sizeof *PstAddress);
     PstAddress->digit_mode = PstSendOrWriteMsg->byDigitMode;
     PstAddress->number_mode = PstSendOrWriteMsg->byNumberMode;

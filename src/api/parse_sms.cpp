@@ -7,36 +7,39 @@
 
 namespace {
 
+// The exported function its helpers report for.
+constexpr const char kParseSms[] = "ParseSms";
+
 constexpr std::size_t kMaxPduText = SMS_PDU_TEXT_SIZE - 1;
 constexpr uint32_t kMaxScOctets = 9;
 
 void copy_concatenation(const SmsMessageData &msg, SmsMessage *out)
 {
     out->sms_flag_type = msg.dwLongSms;
-    SMS_TRACE_AS("ParseSms", "The long sms signal is %d\n\n", static_cast<int>(out->sms_flag_type));
+    SMS_TRACE_AS(kParseSms, "The long sms signal is %d\n\n", static_cast<int>(out->sms_flag_type));
     if (out->sms_flag_type != 1) return;
     out->mr = static_cast<uint16_t>(msg.dwMr);
-    SMS_TRACE_AS("ParseSms", "The sms mr is %d\n\n", out->mr);
+    SMS_TRACE_AS(kParseSms, "The sms mr is %d\n\n", out->mr);
     out->btTotalPack = msg.byTotalSM;
-    SMS_TRACE_AS("ParseSms", "The sms TotalSM is %d\n\n", out->btTotalPack);
+    SMS_TRACE_AS(kParseSms, "The sms TotalSM is %d\n\n", out->btTotalPack);
     out->btPack = msg.bySeqNum;
-    SMS_TRACE_AS("ParseSms", "The sms SeqNum is %d\n\n", out->btPack);
+    SMS_TRACE_AS(kParseSms, "The sms SeqNum is %d\n\n", out->btPack);
 }
 
 void copy_time(const SmsMessageData &msg, SmsMessage *out)
 {
     out->byDay = msg.byDay;
-    SMS_TRACE_AS("ParseSms", "The day is %d\n\n", out->byDay);
+    SMS_TRACE_AS(kParseSms, "The day is %d\n\n", out->byDay);
     out->byHour = msg.byHour;
-    SMS_TRACE_AS("ParseSms", "The hour is %d\n\n", out->byHour);
+    SMS_TRACE_AS(kParseSms, "The hour is %d\n\n", out->byHour);
     out->byMinute = msg.byMinute;
-    SMS_TRACE_AS("ParseSms", "The minute is %d\n\n", out->byMinute);
+    SMS_TRACE_AS(kParseSms, "The minute is %d\n\n", out->byMinute);
     out->byMonth = msg.byMonth;
-    SMS_TRACE_AS("ParseSms", "The month is %d\n\n", out->byMonth);
+    SMS_TRACE_AS(kParseSms, "The month is %d\n\n", out->byMonth);
     out->bySecond = msg.bySecond;
-    SMS_TRACE_AS("ParseSms", "The second is %d\n\n", out->bySecond);
+    SMS_TRACE_AS(kParseSms, "The second is %d\n\n", out->bySecond);
     out->wYear = msg.wYear;
-    SMS_TRACE_AS("ParseSms", "The year is %d\n\n", out->wYear);
+    SMS_TRACE_AS(kParseSms, "The year is %d\n\n", out->wYear);
 }
 
 void copy_address(const SmsMessageData &msg, SmsMessage *out, std::size_t len)
@@ -51,15 +54,15 @@ int32_t submit_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMessage *ou
     uint32_t err = 0;
     const int32_t ret = ParseSubmitSms(&raw, &msg, &err);
     if (ret != 0) {
-        SMS_TRACE_AS("ParseSms", "The ParseSubmitSms function's false status is %d\n\n", static_cast<int>(err));
+        SMS_TRACE_AS(kParseSms, "The ParseSubmitSms function's false status is %d\n\n", static_cast<int>(err));
         return ret;
     }
     copy_address(msg, out, msg.dwAddressLen);
     out->sms_content_code = msg.byCharset;
-    SMS_TRACE_AS("ParseSms", "The content mode is %d\n\n", static_cast<int>(out->sms_content_code));
+    SMS_TRACE_AS(kParseSms, "The content mode is %d\n\n", static_cast<int>(out->sms_content_code));
     if (smsutil::api::convert_text(msg, out, "ParseSms") != 0) return -1;
     copy_concatenation(msg, out);
-    SMS_TRACE_AS("ParseSms", "ParseSms function run successfully:state 2 or 3!\n\n");
+    SMS_TRACE_AS(kParseSms, "ParseSms function run successfully:state 2 or 3!\n\n");
     return 0;
 }
 
@@ -68,21 +71,21 @@ int32_t deliver_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMessage *o
     uint32_t err = 0;
     const int32_t ret = ParseDeliverSms(&raw, &msg, &err);
     if (ret != 0) {
-        SMS_TRACE_AS("ParseSms", "The ParseDeliverSms function's false status is %d\n\n", static_cast<int>(err));
+        SMS_TRACE_AS(kParseSms, "The ParseDeliverSms function's false status is %d\n\n", static_cast<int>(err));
         return ret;
     }
     copy_address(msg, out, strnlen(msg.szAddress, sizeof msg.szAddress));
-    SMS_TRACE_AS("ParseSms", "The src address is: %s\n\n", out->szAddress);
+    SMS_TRACE_AS(kParseSms, "The src address is: %s\n\n", out->szAddress);
     out->sms_content_code = msg.byCharset;
-    SMS_TRACE_AS("ParseSms", "The text mode is %d\n\n", static_cast<int>(out->sms_content_code));
+    SMS_TRACE_AS(kParseSms, "The text mode is %d\n\n", static_cast<int>(out->sms_content_code));
     if (out->sms_content_code == SMS_CONTENT_8BIT)
         smsutil::api::copy_8bit_text(msg, out);
     else if (smsutil::api::convert_text(msg, out, "ParseSms") != 0)
         return -1;
-    SMS_TRACE_AS("ParseSms", "The stMessage.dwLength is: %d\n\n", static_cast<int>(msg.dwLength));
+    SMS_TRACE_AS(kParseSms, "The stMessage.dwLength is: %d\n\n", static_cast<int>(msg.dwLength));
     copy_concatenation(msg, out);
     copy_time(msg, out);
-    SMS_TRACE_AS("ParseSms", "ParseSms function run successfully:state 0 or 1!\n\n");
+    SMS_TRACE_AS(kParseSms, "ParseSms function run successfully:state 0 or 1!\n\n");
     return 0;
 }
 
@@ -92,21 +95,21 @@ int32_t status_report_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMess
     uint32_t err = 0;
     const int32_t ret = ParseStatusReport(&raw, &msg, &err);
     if (ret != 0) {
-        SMS_TRACE_AS("ParseSms", "The ParseStatusReport function's false status is %d\n\n", static_cast<int>(err));
+        SMS_TRACE_AS(kParseSms, "The ParseStatusReport function's false status is %d\n\n", static_cast<int>(err));
         return ret;
     }
     copy_address(msg, out, strnlen(msg.szAddress, sizeof msg.szAddress));
-    SMS_TRACE_AS("ParseSms", "The src address is: %s\n\n", out->szAddress);
+    SMS_TRACE_AS(kParseSms, "The src address is: %s\n\n", out->szAddress);
     out->sms_content_code = msg.byCharset;
-    SMS_TRACE_AS("ParseSms", "The text mode is %d\n\n", static_cast<int>(out->sms_content_code));
+    SMS_TRACE_AS(kParseSms, "The text mode is %d\n\n", static_cast<int>(out->sms_content_code));
     out->dwReportStatus = msg.byReportState;
-    SMS_TRACE_AS("ParseSms", "The status report  is %d\n\n", static_cast<int>(out->dwReportStatus));
+    SMS_TRACE_AS(kParseSms, "The status report  is %d\n\n", static_cast<int>(out->dwReportStatus));
     if (msg.byHasText == 1) {
         if (smsutil::api::convert_text(msg, out, "ParseSms") != 0) return -1;
-        SMS_TRACE_AS("ParseSms", "The stMessage.dwLength is: %d\n\n", static_cast<int>(msg.dwLength));
+        SMS_TRACE_AS(kParseSms, "The stMessage.dwLength is: %d\n\n", static_cast<int>(msg.dwLength));
     }
     copy_time(msg, out);
-    SMS_TRACE_AS("ParseSms", "ParseSms function run successfully:sms status report!\n\n");
+    SMS_TRACE_AS(kParseSms, "ParseSms function run successfully:sms status report!\n\n");
     return 0;
 }
 
@@ -114,14 +117,8 @@ int32_t status_report_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMess
 
 extern "C" SMSUTIL_API int32_t ParseSms(SmsReadPdu *pInputSms, SmsMessage *pOutputSms)
 {
-    if (pInputSms == nullptr) {
-        SMS_TRACE("The ParseSms pInputSms pointer is NULL!\n\n");
-        return -1;
-    }
-    if (pOutputSms == nullptr) {
-        SMS_TRACE("The ParseSms pOutputSms pointer is NULL!\n\n");
-        return -1;
-    }
+    SMS_RETURN_IF_NULL(pInputSms);
+    SMS_RETURN_IF_NULL(pOutputSms);
     std::memset(pOutputSms, 0, sizeof *pOutputSms);
     pOutputSms->index = pInputSms->index;
     pOutputSms->state = pInputSms->state;

@@ -26,18 +26,9 @@ extern "C" {
 
 SMSUTIL_API int32_t ComposeSCAddrData(const char *pszAddr, SendOrWriteMsg *PstSendOrWriteMsg, SmsOctetBuf *PstBuf)
 {
-    if (pszAddr == nullptr) {
-        SMS_TRACE("The ComposeSCAddrData pszAddr pointer is NULL!\n\n");
-        return -1;
-    }
-    if (PstSendOrWriteMsg == nullptr) {
-        SMS_TRACE("The ComposeSCAddrData PstSendOrWriteMsg pointer is NULL!\n\n");
-        return -1;
-    }
-    if (PstBuf == nullptr) {
-        SMS_TRACE("The ComposeSCAddrData PstBuf pointer is NULL!\n\n");
-        return -1;
-    }
+    SMS_RETURN_IF_NULL(pszAddr);
+    SMS_RETURN_IF_NULL(PstSendOrWriteMsg);
+    SMS_RETURN_IF_NULL(PstBuf);
     PstSendOrWriteMsg->byDigitMode = 0;
     const std::size_t dwlen = strnlen(pszAddr, kMaxScNumber + 1);
     SMS_TRACE("The dwlen is %d\n\n", static_cast<int>(dwlen));

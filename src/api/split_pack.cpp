@@ -7,6 +7,9 @@
 
 namespace {
 
+// The exported function its helpers report for.
+constexpr const char kSplitPack[] = "sms_util_split_pack";
+
 constexpr int32_t kUcs2Single = 70;
 constexpr int32_t kUcs2PerPack = 67;
 constexpr uint32_t k7BitSingle = 160;
@@ -20,13 +23,13 @@ int32_t single_pack(const char *text, SmsPack *pRes)
 {
     const std::size_t len = strnlen(text, kMaxPackText + 1);
     if (len > kMaxPackText) {
-        SMS_TRACE_AS("sms_util_split_pack", "The text does not fit one pack!\n\n");
+        SMS_TRACE_AS(kSplitPack, "The text does not fit one pack!\n\n");
         return -1;
     }
     std::memcpy(pRes[0].content, text, len);
     pRes[0].content[len] = '\0';
     pRes[0].length = static_cast<uint32_t>(len);
-    SMS_TRACE_AS("sms_util_split_pack", "ret = [%d]\n\n", 1);
+    SMS_TRACE_AS(kSplitPack, "ret = [%d]\n\n", 1);
     return 1;
 }
 
@@ -47,7 +50,7 @@ int32_t split_ucs2(const char *text, SmsPack *pRes)
         pRes[k].length = static_cast<uint32_t>(bytes);
         p += bytes;
     }
-    SMS_TRACE_AS("sms_util_split_pack", "ret = [%d]\n\n", packs);
+    SMS_TRACE_AS(kSplitPack, "ret = [%d]\n\n", packs);
     return packs;
 }
 
@@ -55,11 +58,11 @@ int32_t split_ucs2(const char *text, SmsPack *pRes)
 bool fill_pack(const uint8_t *codes, uint32_t n, uint32_t coding, SmsPack &pack, int32_t k)
 {
     if (BIT7_TO_UTF8(codes, static_cast<int32_t>(n), pack.content, SMS_PACK_CONTENT_SIZE, coding) != 0) {
-        SMS_TRACE_AS("sms_util_split_pack", "BIT7_TO_UTF8 function run unsuccessfully!\n\n");
+        SMS_TRACE_AS(kSplitPack, "BIT7_TO_UTF8 function run unsuccessfully!\n\n");
         return false;
     }
     pack.length = static_cast<uint32_t>(strnlen(pack.content, sizeof pack.content));
-    SMS_TRACE_AS("sms_util_split_pack", "pRes[%d].length = [%d]\n\n", k, static_cast<int>(pack.length));
+    SMS_TRACE_AS(kSplitPack, "pRes[%d].length = [%d]\n\n", k, static_cast<int>(pack.length));
     return true;
 }
 
@@ -69,10 +72,10 @@ int32_t split_7bit(const char *text, uint32_t coding, SmsPack *pRes)
     uint32_t n = 0;
     const int32_t ret = UTF8_TO_7BIT(text, codes, k7BitWorkCapacity, &n, coding);
     if (ret != 0) {
-        SMS_TRACE_AS("sms_util_split_pack", "UTF8_TO_7BIT function run unsuccessfully!\n\n");
+        SMS_TRACE_AS(kSplitPack, "UTF8_TO_7BIT function run unsuccessfully!\n\n");
         return ret;
     }
-    SMS_TRACE_AS("sms_util_split_pack", "sms_length = [%d]\n\n", static_cast<int>(n));
+    SMS_TRACE_AS(kSplitPack, "sms_length = [%d]\n\n", static_cast<int>(n));
     if (n <= k7BitSingle) return single_pack(text, pRes);
 
     uint32_t pos = 0;
@@ -81,7 +84,7 @@ int32_t split_7bit(const char *text, uint32_t coding, SmsPack *pRes)
         const uint32_t left = n - pos;
         if (left >= k7BitPerPack) {
             if (k == SMS_MAX_PACKS) {
-                SMS_TRACE_AS("sms_util_split_pack", "pack_i[%d] > max[%d]\n\n", SMS_MAX_PACKS, SMS_MAX_PACKS);
+                SMS_TRACE_AS(kSplitPack, "pack_i[%d] > max[%d]\n\n", SMS_MAX_PACKS, SMS_MAX_PACKS);
                 return -1;
             }
             // An escape pair never straddles two packs.
@@ -91,7 +94,7 @@ int32_t split_7bit(const char *text, uint32_t coding, SmsPack *pRes)
             ++k;
         } else if (left > 0) {
             if (k >= SMS_MAX_PACKS) {
-                SMS_TRACE_AS("sms_util_split_pack", "pack_i[%d] > max[%d]\n\n", k, SMS_MAX_PACKS);
+                SMS_TRACE_AS(kSplitPack, "pack_i[%d] > max[%d]\n\n", k, SMS_MAX_PACKS);
                 return -1;
             }
             if (!fill_pack(codes + pos, left, coding, pRes[k], k)) return -1;
@@ -101,7 +104,7 @@ int32_t split_7bit(const char *text, uint32_t coding, SmsPack *pRes)
             break;
         }
     }
-    SMS_TRACE_AS("sms_util_split_pack", "ret = [%d]\n\n", k);
+    SMS_TRACE_AS(kSplitPack, "ret = [%d]\n\n", k);
     return k;
 }
 

@@ -7,16 +7,15 @@
 #include <cstring>
 
 #include "charset/kv8bit_tables.hpp"
+#include "common/feature_file.hpp"
 #include "common/octets.hpp"
 #include "common/trace.hpp"
-#include "smsutil/ndl_xml.h"
 #include "smsutil/sms_charset.h"
 
 namespace {
 
 using namespace smsutil::charset;
 
-constexpr const char *kLangTableKey = "configuration.FEATURE_SMS.lang_table";
 constexpr std::size_t kSettingSize = 32;
 // With this setting c cedilla, whose first byte is its Turkish one, goes
 // out under the Spanish extension code instead.
@@ -83,11 +82,9 @@ extern "C" SMSUTIL_API int32_t kv8bit_to_gsm7bit(const uint8_t *p8BitData, uint3
         return -1;
     }
 
-    // Read afresh at every call so a changed feature file takes effect at
-    // once.  The bounded lookup refuses a value that would not fit, and a
-    // missing file or key leaves the buffer empty: both read as 0.
+    // An empty setting (no file, no key, a value too long) reads as 0.
     char bit7_code[kSettingSize] = {};
-    (void)NDL_XML_GetNodeOrAttrEx(SMSUTIL_FEATURE_FILE, kLangTableKey, bit7_code, sizeof bit7_code);
+    smsutil::common::read_lang_table_setting(bit7_code, sizeof bit7_code);
     const int setting = setting_value(bit7_code);
     SMS_TRACE("bit7_code is %s\n\n", bit7_code);
     SMS_TRACE("atoi(bit7_code) is %d\n\n", setting);

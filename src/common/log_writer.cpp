@@ -11,7 +11,9 @@ namespace {
 // The count, the emptying and the write are one critical section, so that
 // concurrent writers neither tear lines nor both empty the file.
 std::mutex g_log_mutex;
-std::int32_t g_log_bytes = 0;  // dwLogBytes
+// Bytes written since the file was last emptied; wraps like the signed
+// 32-bit count the log contract describes.
+std::int32_t g_log_bytes = 0;
 
 void write_all(int fd, const char *text, std::size_t len)
 {

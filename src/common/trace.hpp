@@ -34,3 +34,13 @@ void trace_line(const char *func, int line, const char *format, ...)
         if (false) ::smsutil::common::trace_line((name), __LINE__, __VA_ARGS__); \
     } while (0)
 #endif
+
+// Every reporting function refuses a null argument the same way: one line
+// naming the function and the argument, then -1.
+#define SMS_RETURN_IF_NULL(ptr)                                          \
+    do {                                                                 \
+        if ((ptr) == nullptr) {                                          \
+            SMS_TRACE("The %s " #ptr " pointer is NULL!\n\n", __func__); \
+            return -1;                                                   \
+        }                                                                \
+    } while (0)
