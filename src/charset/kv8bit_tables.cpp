@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "charset/kv8bit_tables.hpp"
+#include "charset/paged_inverse.hpp"
 #include "smsutil/sms_charset.h"
 
 // Lines up with the upper half of kv8bit_ucs2_table: each entry is the code
@@ -24,59 +25,23 @@ SMSUTIL_API std::uint8_t extern_code_table[128] = {
 namespace smsutil::charset {
 namespace {
 
-// Two levels instead of 65536 entries: the unit's high byte picks a page,
-// the low byte an entry.  High bytes that never occur share page 0, which
-// stays empty.  An entry of 0 means no byte, since byte 0 has no character.
-constexpr std::size_t kPageSize = 256;
-
-constexpr bool is_character(std::uint32_t value)
-{
-    return value != kKv8bitNone;
-}
-
-constexpr std::size_t page_count()
-{
-    bool used[kPageSize] = {};
-    for (std::uint32_t v : kv8bit_ucs2_table)
-        if (is_character(v)) used[v >> 8] = true;
-    std::size_t count = 1;
-    for (bool u : used) count += u ? 1 : 0;
-    return count;
-}
-
-constexpr std::size_t kPages = page_count();
-
-struct Inverse {
-    std::uint8_t page_of[kPageSize];
-    std::uint8_t bytes[kPages][kPageSize];
+// Entry 0 means no byte, since byte 0 has no character.  From the top
+// down, so that the lowest byte of a character is the one left.
+constexpr auto kMappings = [](auto emit) {
+    for (std::size_t b = std::size(kv8bit_ucs2_table); b-- > 1;)
+        if (kv8bit_ucs2_table[b] != kKv8bitNone) emit(0, kv8bit_ucs2_table[b], static_cast<std::uint8_t>(b));
 };
-
-constexpr Inverse build_inverse()
-{
-    Inverse t{};
-    std::size_t next_page = 1;
-    // From the top down, so the lowest byte of a character is the one left.
-    for (std::size_t b = std::size(kv8bit_ucs2_table); b-- > 1;) {
-        const std::uint32_t v = kv8bit_ucs2_table[b];
-        if (!is_character(v)) continue;
-        std::uint8_t &page = t.page_of[v >> 8];
-        if (page == 0) page = static_cast<std::uint8_t>(next_page++);
-        t.bytes[page][v & 0xFF] = static_cast<std::uint8_t>(b);
-    }
-    return t;
-}
-
-constexpr Inverse kInverse = build_inverse();
+constexpr std::size_t kPages = paged::page_count(kMappings);
+constexpr paged::Table<kPages, 1> kInverse = paged::build<kPages, 1>(0, kMappings);
 
 // Byte 0 must carry nothing, or a found byte 0 would read as "none".
 static_assert(kv8bit_ucs2_table[0] == kKv8bitNone);
-static_assert(kPages <= kPageSize);
 
 }  // namespace
 
 std::uint8_t find_kv8bit_byte(std::uint16_t unit)
 {
-    return kInverse.bytes[kInverse.page_of[unit >> 8]][unit & 0xFF];
+    return kInverse.find(0, unit);
 }
 
 }  // namespace smsutil::charset
