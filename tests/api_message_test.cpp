@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "smsutil/sms_api.h"
 #include "support/support.hpp"
@@ -151,6 +152,15 @@ TEST_F(ParseSmsTest, ConcatenatedDeliverEightAndSixteenBitReference)
     EXPECT_STREQ(out_.content, "part two");
     EXPECT_EQ(out_.mr, 0x1234);
     EXPECT_EQ(out_.btPack, 2);
+
+    // TP-UDL 3 is too short for the header: the part numbers are kept, the
+    // header octets are never read as text.
+    ASSERT_EQ(parse("0891682143658709F1" "440581214" "3F50000425060708090230" "3" "050003120301E832", 1), 0);
+    EXPECT_STREQ(out_.content, "");
+    EXPECT_EQ(out_.sms_flag_type, 1u);
+    EXPECT_EQ(out_.mr, 0x12);
+    EXPECT_EQ(out_.btTotalPack, 3);
+    EXPECT_EQ(out_.btPack, 1);
 }
 
 TEST_F(ParseSmsTest, NationalLanguageHeaderSelectsTheShiftTable)
@@ -442,6 +452,7 @@ struct AddressRefusal {
     const char *name;
     const char *address;
     const char *sca;
+    std::vector<std::string> lines;  // logged on the way out
 };
 class ComposeAddressRefusal : public ComposeSmsTest, public ::testing::WithParamInterface<AddressRefusal> {};
 
@@ -450,18 +461,29 @@ TEST_P(ComposeAddressRefusal, FailsAndLeavesOutputAlone)
     septets(2);
     std::memset(msg_.szAddress, 0, sizeof msg_.szAddress);
     std::memset(msg_.sca, 0, sizeof msg_.sca);
-    std::memcpy(msg_.szAddress, GetParam().address, std::strlen(GetParam().address));
+    std::memcpy(msg_.szAddress, GetParam().address, std::min(std::strlen(GetParam().address), sizeof msg_.szAddress));
     std::memcpy(msg_.sca, GetParam().sca, std::min(std::strlen(GetParam().sca), sizeof msg_.sca));
     std::strcpy(out_.pdu, "untouched");
     EXPECT_EQ(ComposeSms(&msg_, &out_), -1);
     EXPECT_STREQ(out_.pdu, "untouched");
+#if SMSUTIL_TRACE_ENABLED
+    for (const std::string &line : GetParam().lines) EXPECT_TRUE(logged(line)) << line;
+#endif
 }
+const char kDestinationRefused[] = "EWCheckDialNum in ConstructAddressData function run unsuccessfully!";
+const char kScRefused[] = "EWCheckDialNum in ComposeSCAddrData function run unsuccessfully!";
+const char kScCode[] = "ComposeSCAddrData function run unsuccessfully! The ERROR CODE is 10503";
 INSTANTIATE_TEST_SUITE_P(
     Numbers, ComposeAddressRefusal,
-    ::testing::Values(AddressRefusal{"letter_in_destination", "12a45", "+8612345678901"},
-                      AddressRefusal{"plus_alone_destination", "+", "+8612345678901"},
-                      AddressRefusal{"sca_21_unterminated", "12345", "123456789012345678901"},
-                      AddressRefusal{"sca_illegal", "12345", "86-1"}),
+    ::testing::Values(
+        AddressRefusal{"letter_in_destination", "12a45", "+8612345678901", {kDestinationRefused}},
+        AddressRefusal{"plus_alone_destination", "+", "+8612345678901", {kDestinationRefused}},
+        // 21 digits fill the field with no terminator: refused, never cut to 20.
+        AddressRefusal{"destination_21_unterminated", "123456789012345678901", "+8612345678901",
+                       {"The length of dwlen is 21", kDestinationRefused}},
+        AddressRefusal{"sca_21_unterminated", "12345", "123456789012345678901",
+                       {"The dwlen is 21", kScRefused, kScCode, "ComposeSubmitSms function run unsuccessfully!"}},
+        AddressRefusal{"sca_illegal", "12345", "86-1", {kScRefused, kScCode}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(ComposeSmsTest, EmptyDestinationAndEmptyServiceCentre)

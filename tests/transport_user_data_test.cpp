@@ -122,10 +122,11 @@ struct HeaderDecodeCase {
     const char *name;
     Octets octets;
     uint8_t result;
-    uint8_t count;  // 0xEE: the count output is left alone
+    uint8_t count;       // 0xEE: the count output is left alone
+    const char *traced;  // a line the decoder writes, or ""
 };
 
-class HeaderDecode : public ::testing::TestWithParam<HeaderDecodeCase> {};
+class HeaderDecode : public LogTest, public ::testing::WithParamInterface<HeaderDecodeCase> {};
 
 TEST_P(HeaderDecode, AcceptsOnlyWellFormedHeaders)
 {
@@ -136,23 +137,36 @@ TEST_P(HeaderDecode, AcceptsOnlyWellFormedHeaders)
     if (c.octets[0] != 0) {
         EXPECT_EQ(count, c.count);
     }
+#if SMSUTIL_TRACE_ENABLED
+    if (c.traced[0] != '\0') {
+        EXPECT_TRUE(logged(c.traced)) << log_text();
+    }
+    // A refused element ends the decoding before the count is reported.
+    if (c.result == 0 && c.count == 0) {
+        EXPECT_EQ(log_text().find("The num headers is"), std::string::npos) << log_text();
+    }
+#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Headers, HeaderDecode,
     ::testing::Values(
-        HeaderDecodeCase{"concat_8bit", {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}, 5, 1},
-        HeaderDecodeCase{"single_shift", {0x03, 0x24, 0x01, 0x02}, 3, 1},
-        HeaderDecodeCase{"octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0xEE},
-        HeaderDecodeCase{"port_element_first", {0x04, 0x04, 0x02, 0x10, 0x20}, 0, 0},
-        HeaderDecodeCase{"seq_above_total", {0x05, 0x00, 0x03, 0x12, 0x03, 0x04}, 0, 0},
-        HeaderDecodeCase{"zero_iedl_concat", {0x05, 0x00, 0x00, 0x12, 0x03, 0x01}, 0, 0},
-        HeaderDecodeCase{"concat_past_udhl", {0x04, 0x00, 0x03, 0x12, 0x03, 0x01}, 0, 0xEE},
-        HeaderDecodeCase{"port_after_concat_kept", {0x0B, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0},
-                   11, 2},
-        HeaderDecodeCase{"other_iedl_past_udhl", {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23}, 0, 0xEE},
-        HeaderDecodeCase{"udhl_zero", {0x00, 0x00}, 0, 0},
-        HeaderDecodeCase{"lone_iei", {0x01, 0x00}, 0, 0xEE}),
+        HeaderDecodeCase{"concat_8bit", {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}, 5, 1, "The num headers is 1"},
+        HeaderDecodeCase{"single_shift", {0x03, 0x24, 0x01, 0x02}, 3, 1, ""},
+        HeaderDecodeCase{"octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0xEE,
+                         "The num headers is 0"},
+        HeaderDecodeCase{"port_element_first", {0x04, 0x04, 0x02, 0x10, 0x20}, 0, 0, ""},
+        HeaderDecodeCase{"seq_above_total", {0x05, 0x00, 0x03, 0x12, 0x03, 0x04}, 0, 0, "The header_length is 0"},
+        HeaderDecodeCase{"zero_iedl_concat", {0x05, 0x00, 0x00, 0x12, 0x03, 0x01}, 0, 0, ""},
+        HeaderDecodeCase{"concat_past_udhl", {0x04, 0x00, 0x03, 0x12, 0x03, 0x01}, 0, 0xEE, "The header_length is 4"},
+        HeaderDecodeCase{"concat16_past_udhl", {0x05, 0x08, 0x04, 0x12, 0x34, 0x02, 0x01}, 0, 0xEE,
+                         "The header_length is 5"},
+        HeaderDecodeCase{"port_after_concat_kept",
+                         {0x0B, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0}, 11, 2, ""},
+        HeaderDecodeCase{"other_iedl_past_udhl", {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23},
+                         0, 0xEE, "The num headers is 0"},
+        HeaderDecodeCase{"udhl_zero", {0x00, 0x00}, 0, 0, ""},
+        HeaderDecodeCase{"lone_iei", {0x01, 0x00}, 0, 0xEE, "The num headers is 0"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(HeaderDecodeEdge, ElementsAreStoredInWireOrder)
@@ -406,6 +420,16 @@ INSTANTIATE_TEST_SUITE_P(
                                 e.u.eo.content[0] = 0xC0;
                             }),
                     {0x14, 0x01, 0xC0}, 2},
+        // IEDL 137 is the longest an object may announce; content holds 136
+        // octets, so the last one goes out as 0.
+        ElementCase{"eo_later_segment_of_137", wms_ts_encode_udh_eo, nullptr,
+                    element(WMS_UDH_EO,
+                            [](wms_udh &e) {
+                                e.u.eo.content_length = 137;
+                                std::memset(e.u.eo.content, 0x3C, sizeof e.u.eo.content);
+                                e.u.eo.first_segment = 0x3C;
+                            }),
+                    with_tail(with_tail({0x14, 0x89}, WMS_UDH_EO_CONTENT_SIZE, 0x3C), 1, 0), 0, kEncodeOnly},
         ElementCase{"eo_first_segment_short", nullptr, eo_from_iedl<1>, {}, {0x14, 0x06, 1, 2, 3, 4, 5, 6}, 0,
                     kDecodeOnly},
         ElementCase{"eo_content_136", nullptr, eo_from_iedl<0>,
@@ -612,7 +636,11 @@ TEST_P(UserDataDecode, ReadsHeaderAndText)
     const auto &c = GetParam();
     const wms_gw_dcs dcs = dcs_of(c.alphabet);
     wms_gw_user_data ud{};
-    EXPECT_EQ(wms_ts_decode_gw_user_data(&dcs, c.udl, c.wire.data(), c.header, &ud), c.consumed);
+    // The octets after TP-UD are passed too: a header TP-UDL cannot hold is
+    // read from the rest of the TPDU.
+    const auto r = smsutil::transport::decode_user_data(dcs, c.udl, c.wire, c.header, ud);
+    EXPECT_TRUE(r.complete);
+    EXPECT_EQ(r.consumed, c.consumed);
     EXPECT_EQ(+ud.sm_len, +c.sm_len);
     EXPECT_EQ(ud.num_headers, c.headers);
     EXPECT_EQ(Octets(ud.sm_data, ud.sm_data + c.sm.size()), c.sm);
@@ -629,6 +657,12 @@ INSTANTIATE_TEST_SUITE_P(
                    {0x05, 0x00, 0x0C}, 3, 0},
         DecodeCase{"gsm7_header_longer_than_udl", WMS_ALPHABET_GSM7, 7, true,
                    {0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02}, 7, {0, 0}, 0, 1},
+        // TP-UDL 3 leaves no room for the header: it is read from the rest
+        // of the TPDU and kept, and there is no text.
+        DecodeCase{"gsm7_header_past_udl", WMS_ALPHABET_GSM7, 3, true, {0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xE8, 0x32},
+                   6, {}, 0, 1},
+        DecodeCase{"ucs2_header_past_udl", WMS_ALPHABET_UCS2, 3, true, {0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xE8, 0x32},
+                   6, {}, 0, 1},
         DecodeCase{"gsm7_refused_header_reads_all", WMS_ALPHABET_GSM7, 2, true, {0x01, 0x00}, 2, {0x01, 0x00}, 2, 0},
         DecodeCase{"ucs2_zero_units_move_to_the_end", WMS_ALPHABET_UCS2, 6, false,
                    {0x00, 0x41, 0x00, 0x00, 0x00, 0x42}, 6, {0x41, 0x00, 0x42, 0x00, 0x00, 0x00}, 6, 0},
