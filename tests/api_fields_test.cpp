@@ -375,60 +375,47 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(SwitchStatusNull, Refused) { EXPECT_EQ(SwitchReportStatus(0, nullptr), -1); }
 
-wms_address bcd_address(uint8_t type, const char *digits)
+struct DecodeCase {
+    const char *name;
+    wms_address address;
+    uint32_t capacity;
+    const char *text;
+};
+class DecodeAddressText : public ::testing::TestWithParam<DecodeCase> {};
+
+TEST_P(DecodeAddressText, StaysWithinTheCapacity)
+{
+    char text[SMS_NUMBER_SIZE];
+    uint32_t len = GetParam().capacity;
+    ASSERT_EQ(DecodeAddress(&GetParam().address, text, &len), 0);
+    EXPECT_STREQ(text, GetParam().text);
+    EXPECT_EQ(len, std::strlen(GetParam().text));
+}
+
+wms_address address(uint8_t mode, uint8_t type, const char *digits, uint8_t count = 0)
 {
     wms_address a{};
+    a.digit_mode = mode;
     a.number_type = type;
-    a.number_of_digits = static_cast<uint8_t>(std::strlen(digits));
-    wms_ts_ascii_to_bcd(digits, a.number_of_digits, a.digits);
+    a.number_of_digits = count ? count : static_cast<uint8_t>(std::strlen(digits));
+    if (mode == WMS_DIGIT_MODE_CHAR)
+        std::memcpy(a.digits, digits, std::strlen(digits));
+    else
+        wms_ts_ascii_to_bcd(digits, static_cast<uint8_t>(std::strlen(digits)), a.digits);
     return a;
 }
 
-TEST(DecodeAddress, InternationalGetsPlusWithinCapacity)
-{
-    const wms_address a = bcd_address(WMS_NUMBER_INTERNATIONAL, "12345678901234567890");
-    char text[SMS_NUMBER_SIZE];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_STREQ(text, "+1234567890123456789");  // "+" and 19 digits
-    EXPECT_EQ(len, 20u);
-}
-
-TEST(DecodeAddress, NationalDigitsAndSpecials)
-{
-    const wms_address a = bcd_address(WMS_NUMBER_UNKNOWN, "*100#");
-    char text[SMS_NUMBER_SIZE];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_STREQ(text, "*100#");
-    EXPECT_EQ(len, 5u);
-}
-
-TEST(DecodeAddress, AlphanumericCopiesCharacters)
-{
-    wms_address a{};
-    a.digit_mode = WMS_DIGIT_MODE_CHAR;
-    a.number_type = WMS_NUMBER_ALPHANUMERIC;
-    a.number_of_digits = 4;
-    std::memcpy(a.digits, "Shop", 4);
-    char text[SMS_NUMBER_SIZE];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_STREQ(text, "Shop");
-}
-
-TEST(DecodeAddress, HostileDigitCountStaysInsideEveryBuffer)
-{
-    wms_address a{};
-    a.number_of_digits = 255;
-    std::memset(a.digits, 1, sizeof a.digits);
-    char text[8];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_EQ(len, 7u);
-    EXPECT_STREQ(text, "1111111");
-    EXPECT_EQ(DecodeAddress(&a, nullptr, &len), -1);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Addresses, DecodeAddressText,
+    ::testing::Values(
+        DecodeCase{"international_gets_plus", address(0, WMS_NUMBER_INTERNATIONAL, "12345678901234567890"),
+                   SMS_NUMBER_SIZE, "+1234567890123456789"},
+        DecodeCase{"national_specials", address(0, WMS_NUMBER_UNKNOWN, "*100#"), SMS_NUMBER_SIZE, "*100#"},
+        DecodeCase{"alphanumeric", address(WMS_DIGIT_MODE_CHAR, WMS_NUMBER_ALPHANUMERIC, "Shop"), SMS_NUMBER_SIZE,
+                   "Shop"},
+        // A hostile digit count stays inside every buffer.
+        DecodeCase{"hostile_count", address(0, WMS_NUMBER_UNKNOWN, "11111111111111111111", 255), 8, "1111111"}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 TEST(HexText, OctetsToLowercaseAndBack)
 {
@@ -466,35 +453,30 @@ protected:
     std::string path_ = std::string(log_path()) + ".smslog_test";
 };
 
-TEST_F(SmsLog, AppendsNewlineOnlyWhenMissing)
-{
-    _smslog(path_.c_str(), 1, "%s", "no newline");
-    _smslog(path_.c_str(), 1, "%s", "has newline\n");
-    _smslog(path_.c_str(), 1, "%s", "double\n\n");
-    EXPECT_EQ(contents(), "no newline\nhas newline\ndouble\n\n");
-}
+struct LogCase {
+    const char *name;
+    std::vector<std::string> texts;
+    std::string file;
+    int count;  // the byte budget used afterwards
+};
+class SmsLogText : public SmsLog, public ::testing::WithParamInterface<LogCase> {};
 
-TEST_F(SmsLog, FullLineOf2047CharactersGetsItsNewline)
+TEST_P(SmsLogText, WritesWholeLines)
 {
-    std::string text(2047, 'x');
-    _smslog(path_.c_str(), 1, "%s", text.c_str());
-    EXPECT_EQ(contents(), text + "\n");
-    EXPECT_EQ(smsutil::common::log_byte_count(), 2048);
+    for (const std::string &t : GetParam().texts) _smslog(path_.c_str(), 1, "%s", t.c_str());
+    EXPECT_EQ(contents(), GetParam().file);
+    EXPECT_EQ(smsutil::common::log_byte_count(), GetParam().count);
 }
-
-TEST_F(SmsLog, LongerTextIsCutAt2047)
-{
-    std::string text(3000, 'y');
-    _smslog(path_.c_str(), 1, "%s", text.c_str());
-    EXPECT_EQ(contents(), std::string(2047, 'y') + "\n");
-}
-
-TEST_F(SmsLog, EmptyTextWritesNothing)
-{
-    _smslog(path_.c_str(), 1, "%s", "");
-    EXPECT_EQ(contents(), "");
-    EXPECT_EQ(smsutil::common::log_byte_count(), 0);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Lines, SmsLogText,
+    ::testing::Values(
+        LogCase{"newline_only_when_missing", {"no newline", "has newline\n", "double\n\n"},
+                "no newline\nhas newline\ndouble\n\n", 31},
+        LogCase{"full_line_of_2047", {std::string(2047, 'x')}, std::string(2047, 'x') + "\n", 2048},
+        LogCase{"longer_cut_at_2047", {std::string(3000, 'y')}, std::string(2047, 'y') + "\n", 2048},
+        LogCase{"empty_writes_nothing", {""}, "", 0},
+        LogCase{"arguments_not_interpreted_twice", {"100%s %d %n"}, "100%s %d %n\n", 12}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 struct LevelCase {
     uint32_t level;
@@ -511,12 +493,6 @@ INSTANTIATE_TEST_SUITE_P(Levels, SmsLogLevel,
                          ::testing::Values(LevelCase{0, true}, LevelCase{1, true}, LevelCase{5, true},
                                            LevelCase{6, false}, LevelCase{0xFFFFFFFFu, false}),
                          [](const auto &info) { return "level_" + std::to_string(info.param.level); });
-
-TEST_F(SmsLog, ArgumentsAreNotInterpretedTwice)
-{
-    _smslog(path_.c_str(), 1, "%s", "100%s %d %n");
-    EXPECT_EQ(contents(), "100%s %d %n\n");
-}
 
 TEST_F(SmsLog, MissingPathOrFormatIsIgnored)
 {
