@@ -20,6 +20,7 @@ struct ReceiverCase {
     const char *name;
     const char *list;
     std::vector<std::string> numbers;
+    const char *separator = ";";
 };
 
 class ParseReceiver : public ::testing::TestWithParam<ReceiverCase> {};
@@ -28,7 +29,7 @@ TEST_P(ParseReceiver, SplitsOnTheSeparator)
 {
     SmsReceiver r[SMS_MAX_RECEIVERS + 1];
     std::memset(r, 0x7F, sizeof r);
-    const int32_t n = sms_parse_receiver(";", GetParam().list, r);
+    const int32_t n = sms_parse_receiver(GetParam().separator, GetParam().list, r);
     ASSERT_EQ(n, static_cast<int32_t>(GetParam().numbers.size()));
     for (int32_t i = 0; i < n; ++i) EXPECT_EQ(r[i].szNumber, GetParam().numbers[static_cast<std::size_t>(i)]);
     EXPECT_EQ(r[n].szNumber[0], 0x7F);  // entries after the count untouched
@@ -50,6 +51,11 @@ INSTANTIATE_TEST_SUITE_P(
                       ReceiverCase{"single_number", "+8613800000000", {"+8613800000000"}},
                       ReceiverCase{"cut_to_23", k30.c_str(), {std::string(23, '1')}},
                       ReceiverCase{"empty_list", "", {}},
+                      // ";34" fails the digit test
+                      ReceiverCase{"longer_separator_leaves_its_tail", "12;;34", {"12"}, ";;"},
+                      // An empty separator is found where the scan stands: each
+                      // character ends an empty receiver and the scan moves on by one.
+                      ReceiverCase{"empty_separator_matches_everywhere", "123", {"", "", ""}, ""},
                       ReceiverCase{"twenty_of_25", k25.c_str(),
                                    {"100", "101", "102", "103", "104", "105", "106", "107", "108", "109",
                                     "110", "111", "112", "113", "114", "115", "116", "117", "118", "119"}}),
@@ -61,13 +67,6 @@ TEST(ParseReceiverNulls, GiveZero)
     EXPECT_EQ(sms_parse_receiver(nullptr, "1", r), 0);
     EXPECT_EQ(sms_parse_receiver(";", nullptr, r), 0);
     EXPECT_EQ(sms_parse_receiver(";", "1", nullptr), 0);
-}
-
-TEST(ParseReceiverSeparator, LongerSeparatorLeavesItsTail)
-{
-    SmsReceiver r[SMS_MAX_RECEIVERS];
-    ASSERT_EQ(sms_parse_receiver(";;", "12;;34", r), 1);  // ";34" fails the digit test
-    EXPECT_STREQ(r[0].szNumber, "12");
 }
 
 struct StrNumCase {
@@ -181,9 +180,10 @@ struct CentreCase {
     const char *src;
     int32_t ret;
     const char *number;
+    const char *message = "";
 };
 
-class ParseCentreNum : public ::testing::TestWithParam<CentreCase> {};
+class ParseCentreNum : public LogTest, public ::testing::WithParamInterface<CentreCase> {};
 
 TEST_P(ParseCentreNum, SwapsDigitsAndAddsPlusOnlyFor86)
 {
@@ -193,6 +193,11 @@ TEST_P(ParseCentreNum, SwapsDigitsAndAddsPlusOnlyFor86)
     if (GetParam().ret == 0) {
         EXPECT_STREQ(out, GetParam().number);
     }
+#if SMSUTIL_TRACE_ENABLED
+    if (GetParam().message[0] != '\0') {
+        EXPECT_TRUE(logged(GetParam().message)) << log_text();
+    }
+#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(Addresses, ParseCentreNum,
@@ -200,7 +205,9 @@ INSTANTIATE_TEST_SUITE_P(Addresses, ParseCentreNum,
                                            CentreCase{"914421436587F9", 0, "44123456789"},
                                            CentreCase{"81214365", 0, "123456"},
                                            CentreCase{"A1682143658709f1", 0, "8612345678901"},
-                                           CentreCase{"81", -1, ""}, CentreCase{"8", -1, ""},
+                                           CentreCase{"81", -1, "", "src len is[0]"}, CentreCase{"8", -1, ""},
+                                           // too long for a number: the log gives the whole length, not a cap
+                                           CentreCase{"81" "1234567890123456789012", -1, "", "src len is[22]"},
                                            CentreCase{"", -1, ""}),
                          [](const auto &info) { return "case_" + std::to_string(info.index); });
 
@@ -219,6 +226,7 @@ struct DialCase {
     const char *number;
     int32_t expected;
     const char *message;  // the refusal's log text, or the success line
+    uint32_t maximum = 20;
 };
 
 class DialNumber : public LogTest, public ::testing::WithParamInterface<DialCase> {};
@@ -226,7 +234,7 @@ class DialNumber : public LogTest, public ::testing::WithParamInterface<DialCase
 TEST_P(DialNumber, ChecksCharactersAndLength)
 {
     const DialCase &c = GetParam();
-    EXPECT_EQ(EWCheckDialNum(c.number, 20), c.expected);
+    EXPECT_EQ(EWCheckDialNum(c.number, c.maximum), c.expected);
 #if SMSUTIL_TRACE_ENABLED
     EXPECT_TRUE(logged(c.message)) << log_text();
 #endif
@@ -247,7 +255,13 @@ INSTANTIATE_TEST_SUITE_P(
                  "The EWCheckDialNum pszDialNum's length is 0 or out of the max length!"},
         DialCase{"empty", "", -1, "The EWCheckDialNum pszDialNum's length is 0 or out of the max length!"},
         DialCase{"letter", "12a4", -1, "The EWCheckDialNum pszDialNum is illegal!"},
-        DialCase{"space", "12 4", -1, "The EWCheckDialNum pszDialNum is illegal!"}),
+        DialCase{"space", "12 4", -1, "The EWCheckDialNum pszDialNum is illegal!"},
+        // One past the largest maximum must not wrap to 0 where size_t has 32 bits.
+        DialCase{"largest_maximum", "12345", 0, "EWCheckDialNum function run successfully!", UINT32_MAX},
+        DialCase{"largest_maximum_empty", "", -1,
+                 "The EWCheckDialNum pszDialNum's length is 0 or out of the max length!", UINT32_MAX},
+        DialCase{"maximum_zero", "1", -1, "The EWCheckDialNum pszDialNum's length is 0 or out of the max length!",
+                 0}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(DialNumberBounds, ReadsNoFurtherThanOnePastTheLimit)
@@ -361,60 +375,47 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(SwitchStatusNull, Refused) { EXPECT_EQ(SwitchReportStatus(0, nullptr), -1); }
 
-wms_address bcd_address(uint8_t type, const char *digits)
+struct DecodeCase {
+    const char *name;
+    wms_address address;
+    uint32_t capacity;
+    const char *text;
+};
+class DecodeAddressText : public ::testing::TestWithParam<DecodeCase> {};
+
+TEST_P(DecodeAddressText, StaysWithinTheCapacity)
+{
+    char text[SMS_NUMBER_SIZE];
+    uint32_t len = GetParam().capacity;
+    ASSERT_EQ(DecodeAddress(&GetParam().address, text, &len), 0);
+    EXPECT_STREQ(text, GetParam().text);
+    EXPECT_EQ(len, std::strlen(GetParam().text));
+}
+
+wms_address address(uint8_t mode, uint8_t type, const char *digits, uint8_t count = 0)
 {
     wms_address a{};
+    a.digit_mode = mode;
     a.number_type = type;
-    a.number_of_digits = static_cast<uint8_t>(std::strlen(digits));
-    wms_ts_ascii_to_bcd(digits, a.number_of_digits, a.digits);
+    a.number_of_digits = count ? count : static_cast<uint8_t>(std::strlen(digits));
+    if (mode == WMS_DIGIT_MODE_CHAR)
+        std::memcpy(a.digits, digits, std::strlen(digits));
+    else
+        wms_ts_ascii_to_bcd(digits, static_cast<uint8_t>(std::strlen(digits)), a.digits);
     return a;
 }
 
-TEST(DecodeAddress, InternationalGetsPlusWithinCapacity)
-{
-    const wms_address a = bcd_address(WMS_NUMBER_INTERNATIONAL, "12345678901234567890");
-    char text[SMS_NUMBER_SIZE];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_STREQ(text, "+1234567890123456789");  // "+" and 19 digits
-    EXPECT_EQ(len, 20u);
-}
-
-TEST(DecodeAddress, NationalDigitsAndSpecials)
-{
-    const wms_address a = bcd_address(WMS_NUMBER_UNKNOWN, "*100#");
-    char text[SMS_NUMBER_SIZE];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_STREQ(text, "*100#");
-    EXPECT_EQ(len, 5u);
-}
-
-TEST(DecodeAddress, AlphanumericCopiesCharacters)
-{
-    wms_address a{};
-    a.digit_mode = WMS_DIGIT_MODE_CHAR;
-    a.number_type = WMS_NUMBER_ALPHANUMERIC;
-    a.number_of_digits = 4;
-    std::memcpy(a.digits, "Shop", 4);
-    char text[SMS_NUMBER_SIZE];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_STREQ(text, "Shop");
-}
-
-TEST(DecodeAddress, HostileDigitCountStaysInsideEveryBuffer)
-{
-    wms_address a{};
-    a.number_of_digits = 255;
-    std::memset(a.digits, 1, sizeof a.digits);
-    char text[8];
-    uint32_t len = sizeof text;
-    ASSERT_EQ(DecodeAddress(&a, text, &len), 0);
-    EXPECT_EQ(len, 7u);
-    EXPECT_STREQ(text, "1111111");
-    EXPECT_EQ(DecodeAddress(&a, nullptr, &len), -1);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Addresses, DecodeAddressText,
+    ::testing::Values(
+        DecodeCase{"international_gets_plus", address(0, WMS_NUMBER_INTERNATIONAL, "12345678901234567890"),
+                   SMS_NUMBER_SIZE, "+1234567890123456789"},
+        DecodeCase{"national_specials", address(0, WMS_NUMBER_UNKNOWN, "*100#"), SMS_NUMBER_SIZE, "*100#"},
+        DecodeCase{"alphanumeric", address(WMS_DIGIT_MODE_CHAR, WMS_NUMBER_ALPHANUMERIC, "Shop"), SMS_NUMBER_SIZE,
+                   "Shop"},
+        // A hostile digit count stays inside every buffer.
+        DecodeCase{"hostile_count", address(0, WMS_NUMBER_UNKNOWN, "11111111111111111111", 255), 8, "1111111"}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 TEST(HexText, OctetsToLowercaseAndBack)
 {
@@ -433,6 +434,9 @@ TEST(HexText, OddCountAndNonHexCharacters)
     AsciiToBcd(out, "123", 3);  // the last character pairs with the terminator
     EXPECT_EQ(out[0], 0x12);
     EXPECT_EQ(out[1], 0x30);
+    out[0] = 0xEE;
+    AsciiToBcd(out, "123", 1);  // an odd count takes one character beyond
+    EXPECT_EQ(out[0], 0x12);
     AsciiToBcd(out, "zG", 2);  // low four bits of each character
     EXPECT_EQ(out[0], static_cast<uint8_t>((('z' & 0x0F) << 4) | ('G' & 0x0F)));
 }
@@ -449,35 +453,30 @@ protected:
     std::string path_ = std::string(log_path()) + ".smslog_test";
 };
 
-TEST_F(SmsLog, AppendsNewlineOnlyWhenMissing)
-{
-    _smslog(path_.c_str(), 1, "%s", "no newline");
-    _smslog(path_.c_str(), 1, "%s", "has newline\n");
-    _smslog(path_.c_str(), 1, "%s", "double\n\n");
-    EXPECT_EQ(contents(), "no newline\nhas newline\ndouble\n\n");
-}
+struct LogCase {
+    const char *name;
+    std::vector<std::string> texts;
+    std::string file;
+    int count;  // the byte budget used afterwards
+};
+class SmsLogText : public SmsLog, public ::testing::WithParamInterface<LogCase> {};
 
-TEST_F(SmsLog, FullLineOf2047CharactersGetsItsNewline)
+TEST_P(SmsLogText, WritesWholeLines)
 {
-    std::string text(2047, 'x');
-    _smslog(path_.c_str(), 1, "%s", text.c_str());
-    EXPECT_EQ(contents(), text + "\n");
-    EXPECT_EQ(smsutil::common::log_byte_count(), 2048);
+    for (const std::string &t : GetParam().texts) _smslog(path_.c_str(), 1, "%s", t.c_str());
+    EXPECT_EQ(contents(), GetParam().file);
+    EXPECT_EQ(smsutil::common::log_byte_count(), GetParam().count);
 }
-
-TEST_F(SmsLog, LongerTextIsCutAt2047)
-{
-    std::string text(3000, 'y');
-    _smslog(path_.c_str(), 1, "%s", text.c_str());
-    EXPECT_EQ(contents(), std::string(2047, 'y') + "\n");
-}
-
-TEST_F(SmsLog, EmptyTextWritesNothing)
-{
-    _smslog(path_.c_str(), 1, "%s", "");
-    EXPECT_EQ(contents(), "");
-    EXPECT_EQ(smsutil::common::log_byte_count(), 0);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Lines, SmsLogText,
+    ::testing::Values(
+        LogCase{"newline_only_when_missing", {"no newline", "has newline\n", "double\n\n"},
+                "no newline\nhas newline\ndouble\n\n", 31},
+        LogCase{"full_line_of_2047", {std::string(2047, 'x')}, std::string(2047, 'x') + "\n", 2048},
+        LogCase{"longer_cut_at_2047", {std::string(3000, 'y')}, std::string(2047, 'y') + "\n", 2048},
+        LogCase{"empty_writes_nothing", {""}, "", 0},
+        LogCase{"arguments_not_interpreted_twice", {"100%s %d %n"}, "100%s %d %n\n", 12}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 struct LevelCase {
     uint32_t level;
@@ -494,12 +493,6 @@ INSTANTIATE_TEST_SUITE_P(Levels, SmsLogLevel,
                          ::testing::Values(LevelCase{0, true}, LevelCase{1, true}, LevelCase{5, true},
                                            LevelCase{6, false}, LevelCase{0xFFFFFFFFu, false}),
                          [](const auto &info) { return "level_" + std::to_string(info.param.level); });
-
-TEST_F(SmsLog, ArgumentsAreNotInterpretedTwice)
-{
-    _smslog(path_.c_str(), 1, "%s", "100%s %d %n");
-    EXPECT_EQ(contents(), "100%s %d %n\n");
-}
 
 TEST_F(SmsLog, MissingPathOrFormatIsIgnored)
 {

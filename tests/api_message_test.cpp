@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <cstring>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "smsutil/sms_api.h"
 #include "support/support.hpp"
@@ -12,35 +15,6 @@
 namespace {
 
 using namespace smsutil::test;
-
-// A DELIVER from 12345 at 2024-05-06 07:08:09 with the given coding.
-wms_gw_deliver make_deliver(uint8_t alphabet)
-{
-    wms_gw_deliver d;
-    std::memset(&d, 0, sizeof d);
-    d.address.number_plan = 1;
-    d.address.number_of_digits = 5;
-    wms_ts_ascii_to_bcd("12345", 5, d.address.digits);
-    d.dcs.alphabet = alphabet;
-    d.dcs.msg_class = WMS_MESSAGE_CLASS_NONE;
-    d.timestamp = wms_timestamp{0x24, 0x05, 0x06, 0x07, 0x08, 0x09, 8};
-    return d;
-}
-
-// Letters, digits and the space share their septet code with ASCII.
-void set_septets(wms_gw_user_data &ud, const char *ascii)
-{
-    ud.sm_len = static_cast<uint16_t>(std::strlen(ascii));
-    std::memcpy(ud.sm_data, ascii, ud.sm_len);
-}
-
-// Service-centre prefix (+8612345678901) and the encoded TPDU as text.
-std::string deliver_pdu(const wms_gw_deliver &deliver)
-{
-    wms_raw_tpdu raw{};
-    if (wms_ts_encode_deliver(&deliver, &raw) != WMS_TS_STATUS_OK) return "";
-    return "0891682143658709F1" + hex_of(raw);
-}
 
 class ParseSmsTest : public LogTest {
 protected:
@@ -53,120 +27,73 @@ protected:
         std::memset(&out_, 0xA5, sizeof out_);
         return ParseSms(&in_, &out_);
     }
+    // What a row states, in one line.
+    std::string fields() const
+    {
+        char text[1200];
+        std::snprintf(text, sizeof text, "%u %u %s %s [%s] %u code %u %04u-%02u-%02u %02u:%02u:%02u part %u %X %u/%u report %u %u",
+                      out_.index, out_.state, out_.sca, out_.szAddress, out_.content, out_.byContentLen,
+                      out_.sms_content_code, out_.wYear, out_.byMonth, out_.byDay, out_.byHour, out_.byMinute,
+                      out_.bySecond, out_.sms_flag_type, out_.mr, out_.btPack, out_.btTotalPack, out_.byStatusReport,
+                      out_.dwReportStatus);
+        return text;
+    }
     SmsReadPdu in_{};
     SmsMessage out_{};
 };
 
-TEST_F(ParseSmsTest, SevenBitDeliver)
+#define SC "0891682143658709F1"
+#define HI_DELIVER SC "0405812143F500004250607080902302E834"
+
+struct Parsed {
+    const char *name;
+    const char *pdu;
+    uint32_t state;
+    const char *fields;
+};
+
+class ParseSmsPdu : public ParseSmsTest, public ::testing::WithParamInterface<Parsed> {};
+
+TEST_P(ParseSmsPdu, GivesEveryField)
 {
-    ASSERT_EQ(parse("0891682143658709F10405812143F500004250607080902302E834", 1), 0);
-    EXPECT_EQ(in_.length, 54u);
-    EXPECT_EQ(out_.index, 7u);
-    EXPECT_EQ(out_.state, 1u);
-    EXPECT_STREQ(out_.sca, "+8612345678901");
-    EXPECT_STREQ(out_.szAddress, "12345");
-    EXPECT_STREQ(out_.content, "hi");
-    EXPECT_EQ(out_.byContentLen, 2);
-    EXPECT_EQ(out_.sms_content_code, 0u);
-    EXPECT_EQ(out_.wYear, 2024);
-    EXPECT_EQ(out_.byMonth, 5);
-    EXPECT_EQ(out_.byDay, 6);
-    EXPECT_EQ(out_.byHour, 7);
-    EXPECT_EQ(out_.byMinute, 8);
-    EXPECT_EQ(out_.bySecond, 9);
-    EXPECT_EQ(out_.sms_flag_type, 0u);
-    EXPECT_EQ(out_.byStatusReport, 0);
+    const std::string pdu = GetParam().pdu;
+    AllocationScope heap;
+    ASSERT_EQ(parse(pdu, GetParam().state), 0);
+    EXPECT_EQ(heap.allocations(), 0u);
+    EXPECT_EQ(in_.length, std::strlen(GetParam().pdu));
+    EXPECT_EQ(fields(), GetParam().fields);
 }
 
-TEST_F(ParseSmsTest, Ucs2DeliverBecomesUtf8)
-{
-    // U+4F60 U+597D, lowercase hex accepted as well
-    ASSERT_EQ(parse("0891682143658709f10405812143f50008425060708090230" "44f60597d", 0), 0);
-    EXPECT_STREQ(out_.content, "\xE4\xBD\xA0\xE5\xA5\xBD");
-    EXPECT_EQ(out_.byContentLen, 6);
-    EXPECT_EQ(out_.sms_content_code, 0u);
-}
-
-TEST_F(ParseSmsTest, EightBitDeliverKeepsWireOrder)
-{
-    ASSERT_EQ(parse("0891682143658709F10405812143F500044250607080902304" "41424344", 1), 0);
-    EXPECT_EQ(out_.sms_content_code, 2u);
-    EXPECT_STREQ(out_.content, "ABCD");
-    EXPECT_EQ(out_.byContentLen, 4);
-}
-
-TEST_F(ParseSmsTest, StatusReportWithoutUserData)
-{
-    ASSERT_EQ(parse("0891682143658709F1062A0581214" "3F5425060708090234250607180902300", 1), 0);
-    EXPECT_EQ(out_.byStatusReport, 1);
-    EXPECT_STREQ(out_.szAddress, "12345");
-    EXPECT_EQ(out_.dwReportStatus, static_cast<uint32_t>(SMS_STATUS_DELIVERED));
-    EXPECT_STREQ(out_.content, "");
-    EXPECT_EQ(out_.byContentLen, 0);
-    EXPECT_EQ(out_.byHour, 17);  // from the discharge time
-    EXPECT_EQ(out_.wYear, 2024);
-}
-
-TEST_F(ParseSmsTest, StatusReportWithUserDataAndFailedState)
-{
-    // TP-PI 04: only TP-UDL follows; no DCS means the default alphabet.
-    ASSERT_EQ(parse("0891682143658709F1062A0581214" "3F54250607080902342506071809023" "40" "04" "02E834", 1), 0);
-    EXPECT_EQ(out_.dwReportStatus, static_cast<uint32_t>(SMS_STATUS_FAILED));
-    EXPECT_STREQ(out_.content, "hi");
-    EXPECT_EQ(out_.sms_content_code, 0u);
-}
-
-TEST_F(ParseSmsTest, StoredSubmitTakesTheSubmitPathWhateverItsType)
-{
-    ASSERT_EQ(parse("0891682143658709f1110005812143f50000ff02e834", 3), 0);
-    EXPECT_STREQ(out_.szAddress, "12345");
-    EXPECT_STREQ(out_.content, "hi");
-    EXPECT_EQ(out_.wYear, 0);
-}
-
-TEST_F(ParseSmsTest, DeliverStoredAsOutgoingIsReadAsSubmit)
-{
-    // Read as a SUBMIT, octet 2 (0x81) is an address length above 20.
-    EXPECT_EQ(parse("0891682143658709F10405812143F500004250607080902302E834", 2), -1);
-}
-
-TEST_F(ParseSmsTest, ConcatenatedDeliverEightAndSixteenBitReference)
-{
-    wms_gw_deliver d = make_deliver(WMS_ALPHABET_GSM7);
-    d.user_data_header_present = 1;
-    d.user_data.num_headers = 1;
-    d.user_data.headers[0].header_id = WMS_UDH_CONCAT_8BIT_REF;
-    d.user_data.headers[0].u.concat_8 = {0x2A, 3, 2};
-    set_septets(d.user_data, "part two");
-    ASSERT_EQ(parse(deliver_pdu(d), 1), 0);
-    EXPECT_STREQ(out_.content, "part two");
-    EXPECT_EQ(out_.sms_flag_type, 1u);
-    EXPECT_EQ(out_.mr, 0x2A);
-    EXPECT_EQ(out_.btTotalPack, 3);
-    EXPECT_EQ(out_.btPack, 2);
-
-    d.user_data.headers[0].header_id = WMS_UDH_CONCAT_16BIT_REF;
-    d.user_data.headers[0].u.concat_16 = {0x1234, 3, 2};
-    ASSERT_EQ(parse(deliver_pdu(d), 1), 0);
-    EXPECT_STREQ(out_.content, "part two");
-    EXPECT_EQ(out_.mr, 0x1234);
-    EXPECT_EQ(out_.btPack, 2);
-}
-
-TEST_F(ParseSmsTest, NationalLanguageHeaderSelectsTheShiftTable)
-{
-    wms_gw_deliver d = make_deliver(WMS_ALPHABET_GSM7);
-    d.user_data_header_present = 1;
-    d.user_data.num_headers = 1;
-    d.user_data.headers[0].header_id = WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT;
-    d.user_data.headers[0].u.nat_lang_ss = {0x24, 1, 1};
-    // ESC 0x47 is G breve in the Turkish single shift table only.
-    d.user_data.sm_data[0] = 0x1B;
-    d.user_data.sm_data[1] = 0x47;
-    d.user_data.sm_len = 2;
-    ASSERT_EQ(parse(deliver_pdu(d), 1), 0);
-    EXPECT_STREQ(out_.content, "\xC4\x9E");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Pdus, ParseSmsPdu,
+    ::testing::Values(
+        Parsed{"seven_bit", HI_DELIVER, 1,
+               "7 1 +8612345678901 12345 [hi] 2 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
+        // U+4F60 U+597D; lowercase hex is accepted as well.
+        Parsed{"ucs2_becomes_utf8", "0891682143658709f10405812143f50008425060708090230" "44f60597d", 0,
+               "7 0 +8612345678901 12345 [\xE4\xBD\xA0\xE5\xA5\xBD] 6 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
+        Parsed{"eight_bit_keeps_wire_order", SC "0405812143F500044250607080902304" "41424344", 1,
+               "7 1 +8612345678901 12345 [ABCD] 4 code 2 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
+        // The report's time is the discharge time.
+        Parsed{"report_without_user_data", SC "062A0581214" "3F5425060708090234250607180902300", 1,
+               "7 1 +8612345678901 12345 [] 0 code 1 2024-05-06 17:08:09 part 0 0 0/0 report 1 0"},
+        // TP-PI 04: only TP-UDL follows; no DCS means the default alphabet.
+        Parsed{"report_failed_with_text", SC "062A0581214" "3F54250607080902342506071809023" "40" "04" "02E834", 1,
+               "7 1 +8612345678901 12345 [hi] 2 code 0 2024-05-06 17:08:09 part 0 0 0/0 report 1 4"},
+        Parsed{"stored_submit", "0891682143658709f1110005812143f50000ff02e834", 3,
+               "7 3 +8612345678901 12345 [hi] 2 code 0 0000-00-00 00:00:00 part 0 0 0/0 report 0 0"},
+        Parsed{"concatenated_8bit_reference", SC "4405812143F50000425060708090800F0500032A0302E061391D44BFBF01", 1,
+               "7 1 +8612345678901 12345 [part two] 8 code 0 2024-05-06 07:08:09 part 1 2A 2/3 report 0 0"},
+        Parsed{"concatenated_16bit_reference", SC "4405812143F50000425060708090801006080412340302F0B09C0EA2DFDF", 1,
+               "7 1 +8612345678901 12345 [part two] 8 code 0 2024-05-06 07:08:09 part 1 1234 2/3 report 0 0"},
+        // TP-UDL 3 is too short for the header: the part numbers are kept, the
+        // header octets are never read as text.
+        Parsed{"header_past_udl", SC "440581214" "3F50000425060708090230" "3" "050003120301E832", 1,
+               "7 1 +8612345678901 12345 [] 0 code 0 2024-05-06 07:08:09 part 1 12 1/3 report 0 0"},
+        // ESC 0x47 is G breve in the Turkish single shift table only.
+        Parsed{"national_single_shift", SC "4405812143F500004250607080908007" "03240101D81C01", 1,
+               "7 1 +8612345678901 12345 [\xC4\x9E] 2 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 struct Refusal {
     const char *name;
@@ -232,17 +159,6 @@ TEST_F(ParseSmsTest, NullRecords)
     EXPECT_EQ(ParseSms(&in_, nullptr), -1);
 }
 
-TEST_F(ParseSmsTest, NoHeapAllocation)
-{
-    const std::string pdu = "0891682143658709F10405812143F500004250607080902302E834";
-    std::memset(&in_, 0, sizeof in_);
-    std::strcpy(in_.pdu, pdu.c_str());
-    in_.state = 1;
-    AllocationScope scope;
-    EXPECT_EQ(ParseSms(&in_, &out_), 0);
-    EXPECT_EQ(scope.allocations(), 0u);
-}
-
 class ComposeSmsTest : public LogTest {
 protected:
     void SetUp() override
@@ -274,17 +190,60 @@ protected:
     SmsSendPdu out_{};
 };
 
-TEST_F(ComposeSmsTest, TwoSeptetsToTheKnownPdu)
+struct Composed {
+    const char *name;
+    std::function<void(SmsMessage &)> set;
+    const char *pdu;
+};
+class ComposeSmsPdu : public ComposeSmsTest, public ::testing::WithParamInterface<Composed> {};
+
+TEST_P(ComposeSmsPdu, GivesTheLowercasePdu)
 {
+    septets(2);
     msg_.content[0] = 0x68;
     msg_.content[1] = 0x69;
-    msg_.byContentLen = 2;
+    GetParam().set(msg_);
     ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    EXPECT_STREQ(out_.pdu, "0891682143658709f1110005812143f50000ff02e834");
-    EXPECT_EQ(out_.wLength, 44);
+    EXPECT_STREQ(out_.pdu, GetParam().pdu);
     EXPECT_EQ(m_stConfiguration.dwMsgClass, 4u);
-    EXPECT_STREQ(m_szSCAddress, "+8612345678901");
+    EXPECT_EQ(out_.wLength, std::strlen(out_.pdu));
+    EXPECT_STREQ(m_szSCAddress, msg_.sca);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Messages, ComposeSmsPdu,
+    ::testing::Values(
+        Composed{"two_septets", [](SmsMessage &) {}, "0891682143658709f1110005812143f50000ff02e834"},
+        // '@' is septet 0: the count carries it.
+        Composed{"septet_zero", [](SmsMessage &m) { m.content[0] = 0x00; m.content[1] = 0x41; }, "0891682143658709f1110005812143f50000ff028020"},
+        Composed{"long_part",
+                 [](SmsMessage &m) {
+                     m.sms_flag_type = 1;
+                     m.btTotalPack = 3;
+                     m.btPack = 2;
+                     m.mr = 0x1234;
+                 },
+                 "0891682143658709f1513405812143f50000ff09050003340302d069"},
+        Composed{"part_outside_the_total_gives_no_header",
+                 [](SmsMessage &m) {
+                     m.sms_flag_type = 1;
+                     m.btTotalPack = 2;
+                     m.btPack = 3;
+                 },
+                 "0891682143658709f1110005812143f50000ff02e834"},
+        Composed{"national_single_shift", [](SmsMessage &m) { m.byteCoding = 1; }, "0891682143658709f1510005812143f50000ff070324010140a701"},
+        Composed{"status_report_request", [](SmsMessage &m) { m.dwStatusReportRequest = 1; }, "0891682143658709f1310005812143f50000ff02e834"},
+        Composed{"ucs2_high_octet_first",
+                 [](SmsMessage &m) {
+                     std::strcpy(m.content, "A\xE2\x82\xAC");  // A, euro sign
+                     m.sms_content_code = SMS_CONTENT_UCS2;
+                 },
+                 "0891682143658709f1110005812143f50008ff04004120ac"},
+        Composed{"empty_destination_and_centre", [](SmsMessage &m) { m.szAddress[0] = m.sca[0] = '\0'; }, "0181110000810000ff02e834"},
+        Composed{"validity_59_seconds", [](SmsMessage &m) { std::strcpy(m.szValidity, "59"); }, "0891682143658709f1110005812143f50000ff02e834"},
+        Composed{"validity_hour", [](SmsMessage &m) { std::strcpy(m.szValidity, "3600abc"); }, "0891682143658709f1110005812143f500000b02e834"},
+        Composed{"validity_day", [](SmsMessage &m) { std::strcpy(m.szValidity, "86400"); }, "0891682143658709f1110005812143f50000a702e834"}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 struct LengthCase {
     const char *name;
@@ -344,104 +303,11 @@ TEST_F(ComposeSmsTest, EightBitCodingIsRefused)
     EXPECT_EQ(out_.pdu[0], '\0');  // written only on success
 }
 
-TEST_F(ComposeSmsTest, SeptetZeroIsCarriedByCount)
-{
-    msg_.content[0] = 0x00;  // '@'
-    msg_.content[1] = 0x41;
-    msg_.byContentLen = 2;
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    // TP-UDL 2, then '@' 'A' packed: 00 | 41 << 7 = 0x2080 -> 80 20
-    EXPECT_EQ(tpdu().substr(tpdu().size() - 6), "028020");
-}
-
-TEST_F(ComposeSmsTest, LongPartCarriesConcatenationAndReference)
-{
-    septets(10);
-    msg_.sms_flag_type = 1;
-    msg_.btTotalPack = 3;
-    msg_.btPack = 2;
-    msg_.mr = 0x1234;
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    const std::string t = tpdu();
-    EXPECT_EQ(t.substr(0, 4), "5134");            // UDHI + VPF relative + SUBMIT, TP-MR 0x34
-    EXPECT_NE(t.find("0500033403" "02"), std::string::npos);  // UDHL 5, IEI 0, len 3, ref, total, part
-
-    // Read back as a stored outgoing message, the part is recognised again.
-    SmsReadPdu in{};
-    in.state = 2;
-    std::strcpy(in.pdu, out_.pdu);
-    SmsMessage back{};
-    ASSERT_EQ(ParseSms(&in, &back), 0);
-    EXPECT_STREQ(back.content, "aaaaaaaaaa");
-    EXPECT_EQ(back.sms_flag_type, 1u);
-    EXPECT_EQ(back.btTotalPack, 3);
-    EXPECT_EQ(back.btPack, 2);
-    EXPECT_EQ(back.mr, 0x34);
-}
-
-TEST_F(ComposeSmsTest, PartNumberOutsideTheTotalGivesNoHeader)
-{
-    septets(10);
-    msg_.sms_flag_type = 1;
-    msg_.btTotalPack = 2;
-    msg_.btPack = 3;
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    EXPECT_EQ(tpdu().substr(0, 2), "11");
-}
-
-TEST_F(ComposeSmsTest, NationalLanguageSingleShiftElement)
-{
-    septets(4);
-    msg_.byteCoding = 1;
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    EXPECT_EQ(tpdu().substr(0, 2), "51");
-    EXPECT_NE(tpdu().find("03240101"), std::string::npos);  // UDHL 3, IEI 0x24, len 1, Turkish
-}
-
-struct ValidityCase {
-    const char *text;
-    const char *vp;
-};
-class ComposeValidity : public ComposeSmsTest, public ::testing::WithParamInterface<ValidityCase> {};
-
-TEST_P(ComposeValidity, RelativePeriodOctet)
-{
-    septets(2);
-    std::strcpy(msg_.szValidity, GetParam().text);
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    // first octet, MR, 05 81 21 43 f5, PID, DCS, then TP-VP
-    EXPECT_EQ(tpdu().substr(18, 2), GetParam().vp);
-}
-INSTANTIATE_TEST_SUITE_P(Seconds, ComposeValidity,
-                         ::testing::Values(ValidityCase{"", "ff"}, ValidityCase{"59", "ff"},
-                                           ValidityCase{"3600", "0b"}, ValidityCase{"86400", "a7"},
-                                           ValidityCase{"3600abc", "0b"}),
-                         [](const auto &info) { return "case_" + std::to_string(info.index); });
-
-TEST_F(ComposeSmsTest, StatusReportRequestAndLowercaseOutput)
-{
-    septets(3);
-    msg_.dwStatusReportRequest = 1;
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    EXPECT_EQ(tpdu().substr(0, 2), "31");
-    for (const char *p = out_.pdu; *p != '\0'; ++p) EXPECT_FALSE(std::isupper(static_cast<unsigned char>(*p)));
-    EXPECT_EQ(out_.wLength, std::strlen(out_.pdu));
-}
-
-TEST_F(ComposeSmsTest, Ucs2TextIsSentHighOctetFirst)
-{
-    std::strcpy(msg_.content, "A\xE2\x82\xAC");  // A, euro sign
-    msg_.sms_content_code = SMS_CONTENT_UCS2;
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    const std::string t = tpdu();
-    EXPECT_EQ(t.substr(16, 2), "08");                  // DCS UCS-2
-    EXPECT_EQ(t.substr(t.size() - 10), "04004120ac");  // UDL 4, 0041 20AC
-}
-
 struct AddressRefusal {
     const char *name;
     const char *address;
     const char *sca;
+    std::vector<std::string> lines;  // logged on the way out
 };
 class ComposeAddressRefusal : public ComposeSmsTest, public ::testing::WithParamInterface<AddressRefusal> {};
 
@@ -450,28 +316,30 @@ TEST_P(ComposeAddressRefusal, FailsAndLeavesOutputAlone)
     septets(2);
     std::memset(msg_.szAddress, 0, sizeof msg_.szAddress);
     std::memset(msg_.sca, 0, sizeof msg_.sca);
-    std::memcpy(msg_.szAddress, GetParam().address, std::strlen(GetParam().address));
+    std::memcpy(msg_.szAddress, GetParam().address, std::min(std::strlen(GetParam().address), sizeof msg_.szAddress));
     std::memcpy(msg_.sca, GetParam().sca, std::min(std::strlen(GetParam().sca), sizeof msg_.sca));
     std::strcpy(out_.pdu, "untouched");
     EXPECT_EQ(ComposeSms(&msg_, &out_), -1);
     EXPECT_STREQ(out_.pdu, "untouched");
+#if SMSUTIL_TRACE_ENABLED
+    for (const std::string &line : GetParam().lines) EXPECT_TRUE(logged(line)) << line;
+#endif
 }
+const char kDestinationRefused[] = "EWCheckDialNum in ConstructAddressData function run unsuccessfully!";
+const char kScRefused[] = "EWCheckDialNum in ComposeSCAddrData function run unsuccessfully!";
+const char kScCode[] = "ComposeSCAddrData function run unsuccessfully! The ERROR CODE is 10503";
 INSTANTIATE_TEST_SUITE_P(
     Numbers, ComposeAddressRefusal,
-    ::testing::Values(AddressRefusal{"letter_in_destination", "12a45", "+8612345678901"},
-                      AddressRefusal{"plus_alone_destination", "+", "+8612345678901"},
-                      AddressRefusal{"sca_21_unterminated", "12345", "123456789012345678901"},
-                      AddressRefusal{"sca_illegal", "12345", "86-1"}),
+    ::testing::Values(
+        AddressRefusal{"letter_in_destination", "12a45", "+8612345678901", {kDestinationRefused}},
+        AddressRefusal{"plus_alone_destination", "+", "+8612345678901", {kDestinationRefused}},
+        // 21 digits fill the field with no terminator: refused, never cut to 20.
+        AddressRefusal{"destination_21_unterminated", "123456789012345678901", "+8612345678901",
+                       {"The length of dwlen is 21", kDestinationRefused}},
+        AddressRefusal{"sca_21_unterminated", "12345", "123456789012345678901",
+                       {"The dwlen is 21", kScRefused, kScCode, "ComposeSubmitSms function run unsuccessfully!"}},
+        AddressRefusal{"sca_illegal", "12345", "86-1", {kScRefused, kScCode}}),
     [](const auto &info) { return std::string(info.param.name); });
-
-TEST_F(ComposeSmsTest, EmptyDestinationAndEmptyServiceCentre)
-{
-    septets(2);
-    msg_.szAddress[0] = '\0';
-    msg_.sca[0] = '\0';
-    ASSERT_EQ(ComposeSms(&msg_, &out_), 0);
-    EXPECT_EQ(std::string(out_.pdu).substr(0, 12), "018111000081");
-}
 
 TEST_F(ComposeSmsTest, NullRecordsAndNoHeap)
 {
@@ -522,6 +390,9 @@ struct CountCase {
     const char *unit;
     std::size_t count;
     int32_t packs;
+    uint32_t first = 0;  // bytes of the first pack, when stated
+    const char *tail = "";  // text after the units
+    uint32_t coding = 0;
 };
 
 class SplitPackCount : public SplitPack, public ::testing::WithParamInterface<CountCase> {};
@@ -529,9 +400,12 @@ class SplitPackCount : public SplitPack, public ::testing::WithParamInterface<Co
 TEST_P(SplitPackCount, PacksAtTheBoundaries)
 {
     const CountCase &c = GetParam();
-    const std::string text = repeat(c.unit, c.count);
-    EXPECT_EQ(split(text, c.pack_coding), c.packs);
+    const std::string text = repeat(c.unit, c.count) + c.tail;
+    EXPECT_EQ(split(text, c.pack_coding, c.coding), c.packs);
     if (c.packs < 1) return;
+    if (c.first != 0) {
+        EXPECT_EQ(packs_[0].length, c.first);
+    }
     std::string joined;
     for (int32_t k = 0; k < c.packs; ++k) {
         EXPECT_EQ(packs_[k].length, std::strlen(packs_[k].content));
@@ -546,49 +420,16 @@ INSTANTIATE_TEST_SUITE_P(
                       CountCase{"ucs2_268", 0, "a", 268, 4}, CountCase{"ucs2_269", 0, "a", 269, -1},
                       CountCase{"gsm_160", 1, "a", 160, 1}, CountCase{"gsm_161", 1, "a", 161, 2},
                       CountCase{"gsm_612", 1, "a", 612, 4}, CountCase{"gsm_613", 1, "a", 613, -1},
+                      CountCase{"ucs2_two_byte_71", 0, "\xC3\xA9", 71, 2, 134},  // 67 characters in the first
+                      CountCase{"gsm_161_b", 1, "b", 161, 2, 153},
+                      // 152 plain codes, then the euro sign's pair at codes 153 and 154.
+                      CountCase{"escape_pair_never_straddles", 1, "x", 152, 2, 152, "\xE2\x82\xAC" "yyyyyyyyyy"},
+                      CountCase{"unconvertible_character", 1, "abc", 1, -1, 0, "\xE4\xBD\xA0"},
+                      // 117 Turkish euro signs (one code each) are 351 bytes of UTF-8; 118 do not fit.
+                      CountCase{"turkish_117", 1, "\xE2\x82\xAC", 117, 1, 351, "", 1},
+                      CountCase{"turkish_118", 1, "\xE2\x82\xAC", 118, -1, 0, "", 1},
                       CountCase{"gsm_escape_pairs_300", 1, "{", 300, 4}, CountCase{"gsm_escape_pairs_306", 1, "{", 306, -1}),
     [](const auto &info) { return std::string(info.param.name); });
-
-TEST_F(SplitPack, Ucs2PackSizes)
-{
-    ASSERT_EQ(split(repeat("\xC3\xA9", 71), 0), 2);
-    EXPECT_EQ(packs_[0].length, 134u);  // 67 two-byte characters
-    EXPECT_EQ(packs_[1].length, 8u);
-}
-
-TEST_F(SplitPack, SevenBitPackSizesAndLog)
-{
-    ASSERT_EQ(split(repeat("b", 161), 1), 2);
-    EXPECT_EQ(packs_[0].length, 153u);
-    EXPECT_EQ(packs_[1].length, 8u);
-}
-
-TEST_F(SplitPack, EscapePairNeverStraddlesPacks)
-{
-    // 152 plain codes, then the euro sign's pair at codes 153 and 154.
-    const std::string text = repeat("x", 152) + "\xE2\x82\xAC" + repeat("y", 20);
-    ASSERT_EQ(split(text, 1), 2);
-    EXPECT_EQ(packs_[0].length, 152u);
-    EXPECT_EQ(std::string(packs_[1].content).substr(0, 3), "\xE2\x82\xAC");
-}
-
-TEST_F(SplitPack, TooManySevenBitPacksIsLogged)
-{
-    EXPECT_EQ(split(repeat("a", 613), 1), -1);
-}
-
-TEST_F(SplitPack, UnconvertibleCharacterFails)
-{
-    EXPECT_EQ(split("abc\xE4\xBD\xA0", 1), -1);
-}
-
-TEST_F(SplitPack, SinglePackThatDoesNotFitIsRefused)
-{
-    // 118 Turkish euro signs (one code each) are 354 bytes of UTF-8.
-    EXPECT_EQ(split(repeat("\xE2\x82\xAC", 118), 1, 1), -1);
-    EXPECT_EQ(split(repeat("\xE2\x82\xAC", 117), 1, 1), 1);
-    EXPECT_EQ(packs_[0].length, 351u);
-}
 
 TEST_F(SplitPack, EmptyTextAndBadArguments)
 {

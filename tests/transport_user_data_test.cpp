@@ -122,10 +122,11 @@ struct HeaderDecodeCase {
     const char *name;
     Octets octets;
     uint8_t result;
-    uint8_t count;
+    uint8_t count;       // 0xEE: the count output is left alone
+    const char *traced;  // a line the decoder writes, or ""
 };
 
-class HeaderDecode : public ::testing::TestWithParam<HeaderDecodeCase> {};
+class HeaderDecode : public LogTest, public ::testing::WithParamInterface<HeaderDecodeCase> {};
 
 TEST_P(HeaderDecode, AcceptsOnlyWellFormedHeaders)
 {
@@ -136,23 +137,36 @@ TEST_P(HeaderDecode, AcceptsOnlyWellFormedHeaders)
     if (c.octets[0] != 0) {
         EXPECT_EQ(count, c.count);
     }
+#if SMSUTIL_TRACE_ENABLED
+    if (c.traced[0] != '\0') {
+        EXPECT_TRUE(logged(c.traced)) << log_text();
+    }
+    // A refused element ends the decoding before the count is reported.
+    if (c.result == 0 && c.count == 0) {
+        EXPECT_EQ(log_text().find("The num headers is"), std::string::npos) << log_text();
+    }
+#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Headers, HeaderDecode,
     ::testing::Values(
-        HeaderDecodeCase{"concat_8bit", {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}, 5, 1},
-        HeaderDecodeCase{"single_shift", {0x03, 0x24, 0x01, 0x02}, 3, 1},
-        HeaderDecodeCase{"octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0},
-        HeaderDecodeCase{"port_element_first", {0x04, 0x04, 0x02, 0x10, 0x20}, 0, 0},
-        HeaderDecodeCase{"seq_above_total", {0x05, 0x00, 0x03, 0x12, 0x03, 0x04}, 0, 0},
-        HeaderDecodeCase{"zero_iedl_concat", {0x05, 0x00, 0x00, 0x12, 0x03, 0x01}, 0, 0},
-        HeaderDecodeCase{"concat_past_udhl", {0x04, 0x00, 0x03, 0x12, 0x03, 0x01}, 0, 0},
-        HeaderDecodeCase{"port_after_concat_kept", {0x0B, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0},
-                   11, 2},
-        HeaderDecodeCase{"other_iedl_past_udhl", {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23}, 0, 0},
-        HeaderDecodeCase{"udhl_zero", {0x00, 0x00}, 0, 0},
-        HeaderDecodeCase{"lone_iei", {0x01, 0x00}, 0, 0}),
+        HeaderDecodeCase{"concat_8bit", {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}, 5, 1, "The num headers is 1"},
+        HeaderDecodeCase{"single_shift", {0x03, 0x24, 0x01, 0x02}, 3, 1, ""},
+        HeaderDecodeCase{"octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0xEE,
+                         "The num headers is 0"},
+        HeaderDecodeCase{"port_element_first", {0x04, 0x04, 0x02, 0x10, 0x20}, 0, 0, ""},
+        HeaderDecodeCase{"seq_above_total", {0x05, 0x00, 0x03, 0x12, 0x03, 0x04}, 0, 0, "The header_length is 0"},
+        HeaderDecodeCase{"zero_iedl_concat", {0x05, 0x00, 0x00, 0x12, 0x03, 0x01}, 0, 0, ""},
+        HeaderDecodeCase{"concat_past_udhl", {0x04, 0x00, 0x03, 0x12, 0x03, 0x01}, 0, 0xEE, "The header_length is 4"},
+        HeaderDecodeCase{"concat16_past_udhl", {0x05, 0x08, 0x04, 0x12, 0x34, 0x02, 0x01}, 0, 0xEE,
+                         "The header_length is 5"},
+        HeaderDecodeCase{"port_after_concat_kept",
+                         {0x0B, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0}, 11, 2, ""},
+        HeaderDecodeCase{"other_iedl_past_udhl", {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23},
+                         0, 0xEE, "The num headers is 0"},
+        HeaderDecodeCase{"udhl_zero", {0x00, 0x00}, 0, 0, ""},
+        HeaderDecodeCase{"lone_iei", {0x01, 0x00}, 0, 0xEE, "The num headers is 0"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(HeaderDecodeEdge, ElementsAreStoredInWireOrder)
@@ -406,6 +420,16 @@ INSTANTIATE_TEST_SUITE_P(
                                 e.u.eo.content[0] = 0xC0;
                             }),
                     {0x14, 0x01, 0xC0}, 2},
+        // IEDL 137 is the longest an object may announce; content holds 136
+        // octets, so the last one goes out as 0.
+        ElementCase{"eo_later_segment_of_137", wms_ts_encode_udh_eo, nullptr,
+                    element(WMS_UDH_EO,
+                            [](wms_udh &e) {
+                                e.u.eo.content_length = 137;
+                                std::memset(e.u.eo.content, 0x3C, sizeof e.u.eo.content);
+                                e.u.eo.first_segment = 0x3C;
+                            }),
+                    with_tail(with_tail({0x14, 0x89}, WMS_UDH_EO_CONTENT_SIZE, 0x3C), 1, 0), 0, kEncodeOnly},
         ElementCase{"eo_first_segment_short", nullptr, eo_from_iedl<1>, {}, {0x14, 0x06, 1, 2, 3, 4, 5, 6}, 0,
                     kDecodeOnly},
         ElementCase{"eo_content_136", nullptr, eo_from_iedl<0>,
@@ -543,43 +567,85 @@ wms_gw_user_data text_data(const Octets &sm, std::vector<wms_udh> headers = {})
 
 Octets chars(const std::string &s) { return {s.begin(), s.end()}; }
 
-struct EncodeCase {
+struct UserDataCase {
     const char *name;
     uint8_t alphabet;
-    wms_gw_user_data data;
+    bool udhi;
+    wms_gw_user_data record;
     Octets wire;  // TP-UDL first
+    Way way = kBoth;
+    std::size_t consumed = 0;  // octets decoding takes after TP-UDL; 0: all of them
 };
 
-class UserDataEncode : public ::testing::TestWithParam<EncodeCase> {};
+class UserData : public ::testing::TestWithParam<UserDataCase> {};
 
-TEST_P(UserDataEncode, WritesUdlAndData)
+TEST_P(UserData, EncodesToTheOctetsAndDecodesToTheRecord)
 {
     const auto &c = GetParam();
     const wms_gw_dcs dcs = dcs_of(c.alphabet);
-    std::array<uint8_t, WMS_MAX_LEN> out{};
-    ASSERT_EQ(wms_ts_encode_gw_user_data(&dcs, &c.data, out.data()), c.wire.size());
-    EXPECT_EQ(Octets(out.begin(), out.begin() + static_cast<long>(c.wire.size())), c.wire);
+    if (c.way != kDecodeOnly) {
+        std::array<uint8_t, WMS_MAX_LEN> out{};
+        ASSERT_EQ(wms_ts_encode_gw_user_data(&dcs, &c.record, out.data()), c.wire.size());
+        EXPECT_EQ(Octets(out.begin(), out.begin() + static_cast<long>(c.wire.size())), c.wire);
+    }
+    if (c.way != kEncodeOnly) {
+        wms_gw_user_data ud{};
+        // The octets after TP-UD are passed too: a header TP-UDL cannot hold
+        // is read from the rest of the TPDU.
+        const auto r = smsutil::transport::decode_user_data(dcs, c.wire[0], std::span(c.wire).subspan(1), c.udhi, ud);
+        EXPECT_TRUE(r.complete);
+        EXPECT_EQ(r.consumed, c.consumed ? c.consumed : c.wire.size() - 1);
+        EXPECT_EQ(hex(ud.sm_data, ud.sm_len), hex(c.record.sm_data, c.record.sm_len));
+        ASSERT_EQ(ud.num_headers, c.record.num_headers);
+        for (int i = 0; i < ud.num_headers; ++i) {
+            EXPECT_EQ(hex(reinterpret_cast<const uint8_t *>(&ud.headers[i]), sizeof(wms_udh)),
+                      hex(reinterpret_cast<const uint8_t *>(&c.record.headers[i]), sizeof(wms_udh)));
+        }
+    }
 }
 
+const Octets kPastUdl{0x03, 0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xE8, 0x32};
+
 INSTANTIATE_TEST_SUITE_P(
-    Data, UserDataEncode,
+    Data, UserData,
     ::testing::Values(
-        EncodeCase{"gsm7_plain", WMS_ALPHABET_GSM7, text_data(chars("hellohello")),
-                   {0x0A, 0xE8, 0x32, 0x9B, 0xFD, 0x46, 0x97, 0xD9, 0xEC, 0x37}},
-        EncodeCase{"gsm7_after_8bit_concat_one_fill_bit", WMS_ALPHABET_GSM7,
-                   text_data(chars("hello"), {concat8(0x12, 3, 1)}),
-                   {0x0C, 0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xD0, 0x65, 0x36, 0xFB, 0x0D}},
-        EncodeCase{"gsm7_after_16bit_concat_no_fill", WMS_ALPHABET_GSM7,
-                   text_data(chars("hello"), {concat16(0x1234, 2, 2)}),
-                   {0x0D, 0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02, 0xE8, 0x32, 0x9B, 0xFD, 0x06}},
-        EncodeCase{"gsm7_all_elements_left_out", WMS_ALPHABET_GSM7, text_data(chars("hi"), {concat8(1, 1, 2)}),
-                   {0x04, 0x00, 0x00, 0x3A, 0x0D}},
-        EncodeCase{"ucs2_plain", WMS_ALPHABET_UCS2, text_data({0x41, 0x00, 0x42, 0x00}),
-                   {0x04, 0x00, 0x41, 0x00, 0x42}},
-        EncodeCase{"ucs2_after_concat", WMS_ALPHABET_UCS2, text_data({0x41, 0x00}, {concat8(9, 2, 2)}),
-                   {0x08, 0x05, 0x00, 0x03, 0x09, 0x02, 0x02, 0x00, 0x41}},
-        EncodeCase{"8bit_odd_sends_the_next_octet", WMS_ALPHABET_8BIT, text_data({0x01, 0x02, 0x03}),
-                   {0x03, 0x02, 0x01, 0x00, 0x03}}),
+        UserDataCase{"gsm7_plain", WMS_ALPHABET_GSM7, false, text_data(chars("hellohello")),
+                     {0x0A, 0xE8, 0x32, 0x9B, 0xFD, 0x46, 0x97, 0xD9, 0xEC, 0x37}},
+        UserDataCase{"gsm7_after_8bit_concat_one_fill_bit", WMS_ALPHABET_GSM7, true,
+                     text_data(chars("hello"), {concat8(0x12, 3, 1)}),
+                     {0x0C, 0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xD0, 0x65, 0x36, 0xFB, 0x0D}},
+        UserDataCase{"gsm7_after_16bit_concat_no_fill", WMS_ALPHABET_GSM7, true,
+                     text_data(chars("hello"), {concat16(0x1234, 2, 2)}),
+                     {0x0D, 0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02, 0xE8, 0x32, 0x9B, 0xFD, 0x06}},
+        UserDataCase{"gsm7_all_elements_left_out", WMS_ALPHABET_GSM7, true, text_data(chars("hi"), {concat8(1, 1, 2)}),
+                     {0x04, 0x00, 0x00, 0x3A, 0x0D}, kEncodeOnly},
+        UserDataCase{"gsm7_header_ignored_without_udhi", WMS_ALPHABET_GSM7, false, text_data({0x05, 0x00, 0x0C}),
+                     {0x03, 0x05, 0x00, 0x03}, kDecodeOnly},
+        UserDataCase{"gsm7_header_longer_than_udl", WMS_ALPHABET_GSM7, true, text_data({}, {concat16(0x1234, 2, 2)}),
+                     {0x07, 0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02}, kDecodeOnly},
+        UserDataCase{"gsm7_refused_header_reads_all", WMS_ALPHABET_GSM7, true, text_data({0x01, 0x00}),
+                     {0x02, 0x01, 0x00}, kDecodeOnly},
+        // TP-UDL 3 leaves no room for the header: it is kept, and there is no text.
+        UserDataCase{"gsm7_header_past_udl", WMS_ALPHABET_GSM7, true, text_data({}, {concat8(0x12, 3, 1)}), kPastUdl,
+                     kDecodeOnly, 6},
+        UserDataCase{"ucs2_header_past_udl", WMS_ALPHABET_UCS2, true, text_data({}, {concat8(0x12, 3, 1)}), kPastUdl,
+                     kDecodeOnly, 6},
+        UserDataCase{"ucs2_plain", WMS_ALPHABET_UCS2, false, text_data({0x41, 0x00, 0x42, 0x00}),
+                     {0x04, 0x00, 0x41, 0x00, 0x42}},
+        UserDataCase{"ucs2_after_concat", WMS_ALPHABET_UCS2, true, text_data({0x41, 0x00}, {concat8(9, 2, 2)}),
+                     {0x08, 0x05, 0x00, 0x03, 0x09, 0x02, 0x02, 0x00, 0x41}},
+        UserDataCase{"ucs2_zero_units_move_to_the_end", WMS_ALPHABET_UCS2, false,
+                     text_data({0x41, 0x00, 0x42, 0x00, 0x00, 0x00}), {0x06, 0x00, 0x41, 0x00, 0x00, 0x00, 0x42},
+                     kDecodeOnly},
+        UserDataCase{"ucs2_national_language_keeps_header", WMS_ALPHABET_UCS2, true,
+                     text_data({0x24, 0x03, 0x02, 0x01, 0x41, 0x00}, {national(WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT, 2)}),
+                     {0x06, 0x03, 0x24, 0x01, 0x02, 0x00, 0x41}, kDecodeOnly},
+        UserDataCase{"ucs2_udhl_zero_skips_one_octet", WMS_ALPHABET_UCS2, true, text_data({0x41, 0x00, 0x42, 0x00}),
+                     {0x05, 0x00, 0x00, 0x41, 0x00, 0x42}, kDecodeOnly},
+        UserDataCase{"8bit_odd_sends_the_next_octet", WMS_ALPHABET_8BIT, false, text_data({0x01, 0x02, 0x03}),
+                     {0x03, 0x02, 0x01, 0x00, 0x03}, kEncodeOnly},
+        UserDataCase{"8bit_refused_header_skips_one_octet", WMS_ALPHABET_8BIT, true,
+                     text_data({0x01, 0x05, 0x42, 0x00}), {0x05, 0x03, 0x05, 0x01, 0x00, 0x42}, kDecodeOnly}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(UserDataEncodeEdge, OctetDataStopsAtTheEndOfTheBuffer)
@@ -592,55 +658,6 @@ TEST(UserDataEncodeEdge, OctetDataStopsAtTheEndOfTheBuffer)
     EXPECT_EQ(smsutil::transport::encode_user_data(dcs, ud, w), 40u);
     EXPECT_EQ(out[0], 300 & 0xFF);
 }
-
-struct DecodeCase {
-    const char *name;
-    uint8_t alphabet;
-    uint8_t udl;
-    bool header;
-    Octets wire;  // TP-UD
-    uint8_t consumed;
-    Octets sm;
-    uint16_t sm_len;
-    uint8_t headers;
-};
-
-class UserDataDecode : public ::testing::TestWithParam<DecodeCase> {};
-
-TEST_P(UserDataDecode, ReadsHeaderAndText)
-{
-    const auto &c = GetParam();
-    const wms_gw_dcs dcs = dcs_of(c.alphabet);
-    wms_gw_user_data ud{};
-    EXPECT_EQ(wms_ts_decode_gw_user_data(&dcs, c.udl, c.wire.data(), c.header, &ud), c.consumed);
-    EXPECT_EQ(+ud.sm_len, +c.sm_len);
-    EXPECT_EQ(ud.num_headers, c.headers);
-    EXPECT_EQ(Octets(ud.sm_data, ud.sm_data + c.sm.size()), c.sm);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Data, UserDataDecode,
-    ::testing::Values(
-        DecodeCase{"gsm7_plain", WMS_ALPHABET_GSM7, 10, false,
-                   {0xE8, 0x32, 0x9B, 0xFD, 0x46, 0x97, 0xD9, 0xEC, 0x37}, 9, chars("hellohello"), 10, 0},
-        DecodeCase{"gsm7_after_concat", WMS_ALPHABET_GSM7, 12, true,
-                   {0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xD0, 0x65, 0x36, 0xFB, 0x0D}, 11, chars("hello"), 5, 1},
-        DecodeCase{"gsm7_header_ignored_without_udhi", WMS_ALPHABET_GSM7, 3, false, {0x05, 0x00, 0x03}, 3,
-                   {0x05, 0x00, 0x0C}, 3, 0},
-        DecodeCase{"gsm7_header_longer_than_udl", WMS_ALPHABET_GSM7, 7, true,
-                   {0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02}, 7, {0, 0}, 0, 1},
-        DecodeCase{"gsm7_refused_header_reads_all", WMS_ALPHABET_GSM7, 2, true, {0x01, 0x00}, 2, {0x01, 0x00}, 2, 0},
-        DecodeCase{"ucs2_zero_units_move_to_the_end", WMS_ALPHABET_UCS2, 6, false,
-                   {0x00, 0x41, 0x00, 0x00, 0x00, 0x42}, 6, {0x41, 0x00, 0x42, 0x00, 0x00, 0x00}, 6, 0},
-        DecodeCase{"ucs2_after_concat", WMS_ALPHABET_UCS2, 8, true,
-                   {0x05, 0x00, 0x03, 0x09, 0x02, 0x02, 0x04, 0x10}, 8, {0x10, 0x04}, 2, 1},
-        DecodeCase{"ucs2_national_language_keeps_header", WMS_ALPHABET_UCS2, 6, true,
-                   {0x03, 0x24, 0x01, 0x02, 0x00, 0x41}, 6, {0x24, 0x03, 0x02, 0x01, 0x41, 0x00}, 6, 1},
-        DecodeCase{"ucs2_udhl_zero_skips_one_octet", WMS_ALPHABET_UCS2, 5, true, {0x00, 0x00, 0x41, 0x00, 0x42}, 5,
-                   {0x41, 0x00, 0x42, 0x00}, 4, 0},
-        DecodeCase{"8bit_refused_header_skips_one_octet", WMS_ALPHABET_8BIT, 5, true, {0x03, 0x05, 0x01, 0x00, 0x42},
-                   5, {0x01, 0x05, 0x42, 0x00}, 4, 0}),
-    [](const auto &info) { return std::string(info.param.name); });
 
 TEST(UserDataDecodeEdge, UdhlZeroNeverUsesASlotLeftByAnEarlierCall)
 {
