@@ -224,8 +224,9 @@ INSTANTIATE_TEST_SUITE_P(
     Limits, AsciiUnpack,
     ::testing::Values(UnpackCase{"maximum_zero", 0, 11, 10, ""}, UnpackCase{"maximum_first", 5, 11, 10, "HELLO"},
                       UnpackCase{"num_fields_first", 20, 4, 10, "HELL"},
-                      // Two octets hold two whole characters and the start of a third.
-                      UnpackCase{"data_len_first", 20, 11, 2, "HE@"},
+                      // Two octets hold two whole characters and the start of a
+                      // third, which is taken whole from the array.
+                      UnpackCase{"data_len_first", 20, 11, 2, "HEL"},
                       UnpackCase{"nothing_carried", 20, 11, 0, ""}),
     [](const auto &info) { return std::string(info.param.name); });
 
@@ -239,12 +240,12 @@ TEST(AsciiUnpackLimits, DataLenBeyondTheArrayReadsOnlyTheArray)
     // 229 octets hold 261 characters' worth of bits; 255 are asked for.
     EXPECT_EQ(wms_ts_unpack_ascii(&ud, 255, out), 255);
     EXPECT_EQ(out[254], 0x7F);
-    // A character that starts inside data_len but ends past it takes zero
-    // bits for the missing ones.
+    // A character that starts inside data_len but ends past it is read on
+    // from the array.
     ud.data_len = 8;
     ud.num_fields = 20;
     EXPECT_EQ(wms_ts_unpack_ascii(&ud, 255, out), 10);
-    EXPECT_EQ(out[9], 0x40);
+    EXPECT_EQ(out[9], 0x7F);
 }
 
 TEST(Dtmf, EveryCodeHasItsCharacterAndBack)

@@ -297,6 +297,13 @@ TEST(TreeLinks, RemoveAttributeNode)
     XML_Node *b = tree->firstAttr->nextSibling;
     NDL_XML_FreeNode(b);
     EXPECT_EQ(describe(tree.get()), "r{a=1,c=3}");
+    // The first attribute too: the element's list starts after it.
+    XML_Node *a = tree->firstAttr;
+    ASSERT_EQ(NDL_XML_RemoveNode(a), XML_OK);
+    EXPECT_EQ(describe(tree.get()), "r{c=3}");
+    EXPECT_EQ(a->parent, nullptr);
+    EXPECT_EQ(a->nextSibling, nullptr);
+    XML_FreeNode(a);
 }
 
 using xmltest::describe;
