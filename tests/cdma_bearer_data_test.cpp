@@ -163,13 +163,25 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         WireCase{"empty", nullptr, {}},
         WireCase{"message_identifier",
-                 [](auto &bd) { bd.mask = WMS_MASK_BD_MSG_ID, bd.message_id.type = 2, bd.message_id.id_number = 0x1234; },
+                 [](auto &bd) {
+                     bd.mask = WMS_MASK_BD_MSG_ID;
+                     bd.message_id.type = 2;
+                     bd.message_id.id_number = 0x1234;
+                 },
                  {0x00, 0x03, 0x21, 0x23, 0x40}},
         WireCase{"identifier_fields_cut_to_width",
-                 [](auto &bd) { bd.mask = WMS_MASK_BD_MSG_ID, bd.message_id.type = 0x12, bd.message_id.id_number = 0xABCDE; },
+                 [](auto &bd) {
+                     bd.mask = WMS_MASK_BD_MSG_ID;
+                     bd.message_id.type = 0x12;
+                     bd.message_id.id_number = 0xABCDE;
+                 },
                  {0x00, 0x03, 0x2B, 0xCD, 0xE0}, kEncodeOnly},
         WireCase{"repeated_identifier_keeps_the_first",
-                 [](auto &bd) { bd.mask = WMS_MASK_BD_MSG_ID, bd.message_id.type = 2, bd.message_id.id_number = 0x1234; },
+                 [](auto &bd) {
+                     bd.mask = WMS_MASK_BD_MSG_ID;
+                     bd.message_id.type = 2;
+                     bd.message_id.id_number = 0x1234;
+                 },
                  {0x00, 0x03, 0x21, 0x23, 0x40, 0x00, 0x03, 0x35, 0x67, 0x80}, kDecodeOnly},
         WireCase{"alert_written_twice",
                  [](auto &bd) { bd.mask = WMS_MASK_BD_ALERT, bd.alert_on_delivery = 1; },
@@ -178,10 +190,18 @@ INSTANTIATE_TEST_SUITE_P(
                  [](auto &bd) { bd.mask = WMS_MASK_BD_DISPLAY_MODE, bd.display_mode = 3; },
                  {0x0F, 0x01, 0xC0}},
         WireCase{"priority_and_privacy",
-                 [](auto &bd) { bd.mask = WMS_MASK_BD_PRIORITY | WMS_MASK_BD_PRIVACY, bd.priority = 2, bd.privacy = 1; },
+                 [](auto &bd) {
+                     bd.mask = WMS_MASK_BD_PRIORITY | WMS_MASK_BD_PRIVACY;
+                     bd.priority = 2;
+                     bd.privacy = 1;
+                 },
                  {0x08, 0x01, 0x80, 0x09, 0x01, 0x40}},
         WireCase{"priority_longer_than_needed",
-                 [](auto &bd) { bd.mask = WMS_MASK_BD_PRIORITY | WMS_MASK_BD_DISPLAY_MODE, bd.priority = 3, bd.display_mode = 1; },
+                 [](auto &bd) {
+                     bd.mask = WMS_MASK_BD_PRIORITY | WMS_MASK_BD_DISPLAY_MODE;
+                     bd.priority = 3;
+                     bd.display_mode = 1;
+                 },
                  {0x08, 0x02, 0xC0, 0xFF, 0x0F, 0x01, 0x40}, kDecodeOnly},
         // Fields that a variable-length subparameter is too short for are
         // read on from the octets after it, as zeros past the end; the walk
@@ -234,7 +254,11 @@ INSTANTIATE_TEST_SUITE_P(
                  },
                  {0x04, 0x06, 0x26, 0x11, 0x22, 0x23, 0x59, 0x01}, kEncodeOnly},
         WireCase{"relative_times_one_day",
-                 [](auto &bd) { bd.mask = WMS_MASK_BD_VALID_REL | WMS_MASK_BD_DEFER_REL, bd.validity_relative.day = 0x01, bd.deferred_relative.day = 0x01; },
+                 [](auto &bd) {
+                     bd.mask = WMS_MASK_BD_VALID_REL | WMS_MASK_BD_DEFER_REL;
+                     bd.validity_relative.day = 0x01;
+                     bd.deferred_relative.day = 0x01;
+                 },
                  {0x05, 0x01, 167, 0x07, 0x01, 167}},
         WireCase{"octet_user_data", [](auto &bd) { user_data(bd, 0, 2, {'H', 'i'}); },
                  {0x01, 0x04, 0x00, 0x12, 0x43, 0x48}},
@@ -279,7 +303,12 @@ INSTANTIATE_TEST_SUITE_P(
                  [](auto &bd) { is91(bd, WMS_IS91EP_SHORT_MESSAGE, "OK"); },
                  {0x01, 0x05, 0x0C, 0x28, 0x15, 0xF5, 0x80}, kEncodeOnly},
         WireCase{"is91_voice_mail_carries_priority_and_count",
-                 [](auto &bd) { is91(bd, WMS_IS91EP_VOICE_MAIL, "OK"), bd.mask |= WMS_MASK_BD_PRIORITY | WMS_MASK_BD_NUM_OF_MSGS, bd.num_messages = 7, bd.priority = 2; },
+                 [](auto &bd) {
+                     is91(bd, WMS_IS91EP_VOICE_MAIL, "OK");
+                     bd.mask |= WMS_MASK_BD_PRIORITY | WMS_MASK_BD_NUM_OF_MSGS;
+                     bd.num_messages = 7;
+                     bd.priority = 2;
+                 },
                  {0x01, 0x07, 0x0C, 0x10, 0x28, 0x03, 0x83, 0x7D, 0x60}, kEncodeOnly},
         // The payload's mask replaces the user response read before it.
         WireCase{"is91_voice_mail_keeps_the_identifier",
