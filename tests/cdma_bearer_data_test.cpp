@@ -494,6 +494,16 @@ TEST(BearerDataLength, OnlyTheLowSixteenBitsDecideShortness)
     EXPECT_EQ(bd.mask, WMS_MASK_BD_MSG_ID);
 }
 
+// A subparameter too short for its fields reads on only up to len: the
+// octets after it in the buffer count as zeros.
+TEST(BearerDataLength, OctetsPastLenReadAsZeros)
+{
+    const wms_raw_tpdu raw = raw_of({0x08, 0x00, 0xC0}, 2);
+    wms_cdma_bearer_data bd = record(nullptr);
+    ASSERT_EQ(wms_ts_decode_CDMA_bd(&raw, &bd), WMS_TS_STATUS_OK);
+    EXPECT_EQ(differences(bd, record([](auto &r) { r.mask = WMS_MASK_BD_PRIORITY; })), "");
+}
+
 TEST(BearerDataLength, NullArgumentsAreRefused)
 {
     wms_cdma_bearer_data bd = record(nullptr);

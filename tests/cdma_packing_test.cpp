@@ -225,6 +225,8 @@ TEST(AsciiUnpackLimits, DataLenBeyondTheArrayReadsOnlyTheArray)
     ud.num_fields = 20;
     EXPECT_EQ(wms_ts_unpack_ascii(&ud, 255, out), 10);
     EXPECT_EQ(out[9], 0x7F);
+    EXPECT_EQ(wms_ts_unpack_ascii(nullptr, 255, out), 0);
+    EXPECT_EQ(wms_ts_unpack_ascii(&ud, 255, nullptr), 0);
 }
 
 struct ToTextCase {
