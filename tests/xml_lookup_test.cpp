@@ -32,18 +32,15 @@ TEST_P(DottedPath, FindsFromTheStartLevel)
     EXPECT_STREQ(node->value != nullptr ? node->value : "", GetParam().found);
 }
 
-INSTANTIATE_TEST_SUITE_P(Paths, DottedPath,
-                         ::testing::Values(PathCase{"Nested", "a.b.c", "1"},
-                                           PathCase{"FirstMatchOnly", "a.b.d", nullptr},
-                                           PathCase{"RunsOfDots", "a..b...c", "1"},
-                                           PathCase{"LeadingAndTrailingDots", ".a.b.c.", "1"},
-                                           PathCase{"LaterTopLevelElement", "x.y", "4"},
-                                           PathCase{"ElementWithoutText", "a.b", ""},
-                                           PathCase{"OnlyDots", ".", nullptr}, PathCase{"Empty", "", nullptr},
-                                           PathCase{"Missing", "a.q", nullptr},
-                                           PathCase{"BeyondLeaf", "a.b.c.z", nullptr},
-                                           PathCase{"PrefixIsNotPartOfName", "a.p:b", nullptr}),
-                         xmltest::case_name<PathCase>);
+INSTANTIATE_TEST_SUITE_P(
+    Paths, DottedPath,
+    ::testing::Values(PathCase{"Nested", "a.b.c", "1"}, PathCase{"FirstMatchOnly", "a.b.d", nullptr},
+                      PathCase{"RunsOfDots", "a..b...c", "1"}, PathCase{"LeadingAndTrailingDots", ".a.b.c.", "1"},
+                      PathCase{"LaterTopLevelElement", "x.y", "4"}, PathCase{"ElementWithoutText", "a.b", ""},
+                      PathCase{"OnlyDots", ".", nullptr}, PathCase{"Empty", "", nullptr},
+                      PathCase{"Missing", "a.q", nullptr}, PathCase{"BeyondLeaf", "a.b.c.z", nullptr},
+                      PathCase{"PrefixIsNotPartOfName", "a.p:b", nullptr}),
+    xmltest::case_name<PathCase>);
 
 TEST(DottedPathSearch, StartsAtTheGivenNodeNotItsParentsFirstChild)
 {
@@ -115,32 +112,30 @@ TEST_P(KeyLookup, SelectsTheText)
 
 INSTANTIATE_TEST_SUITE_P(
     Forms, KeyLookup,
-    ::testing::Values(KeyCase{"DottedPath", "a.f", 0, "plain"}, KeyCase{"NestedPath", "a.b.c", 0, "six"},
-                      KeyCase{"ElementWithoutText", "a.b", 0, ""}, KeyCase{"MissingPath", "a.z", -1, ""},
-                      KeyCase{"BareAttribute", "a.b[id]", 0, "6"},
-                      KeyCase{"BareAttributeFirstHavingIt", "a.b[name]", 0, "seven"},
-                      KeyCase{"BareAttributeNeedsNoPrefix", "a.b[id=8][name]", -1, ""},
-                      KeyCase{"ConditionText", "a.b[id=8]", 0, "eight"},
-                      KeyCase{"ConditionWithoutText", "a.b[id=7]", 0, ""},
-                      KeyCase{"ConditionNoMatch", "a.b[id=9]", -1, ""},
-                      KeyCase{"ConditionThenAttribute", "a.b[id=7][name]", 0, "seven"},
-                      KeyCase{"ConditionThenPath", "a.b[id=7].c", 0, "first c"},
-                      KeyCase{"ConditionThenPathNoDot", "a.b[id=7]c", 0, "first c"},
-                      KeyCase{"TwoConditionsThenPath", "a.b[id=7].c[k=v].d", 0, "deep"},
-                      KeyCase{"PathAfterBracketWithoutText", "a.b[id=7].e", -1, ""},
-                      KeyCase{"TrailingDotAfterBracket", "a.b[id=6].", 0, ""},
-                      KeyCase{"SecondBracketDropsRest", "a.b[id=7][name].c", 0, "seven"},
-                      KeyCase{"MissingClose", "a.b[id=7", -1, ""}, KeyCase{"CloseBeforeOpen", "a]b[id", -1, ""},
-                      KeyCase{"LaterBracketUnclosed", "a.b[id=7].c[k=v", -1, ""},
-                      KeyCase{"EmptySegment", "[id]", -1, ""}, KeyCase{"EmptyConditionName", "a.b[=7]", -1, ""},
-                      KeyCase{"MissingAttribute", "a.b[zz]", -1, ""}),
+    ::testing::Values(
+        KeyCase{"DottedPath", "a.f", 0, "plain"}, KeyCase{"NestedPath", "a.b.c", 0, "six"},
+        KeyCase{"ElementWithoutText", "a.b", 0, ""}, KeyCase{"MissingPath", "a.z", -1, ""},
+        KeyCase{"BareAttribute", "a.b[id]", 0, "6"}, KeyCase{"BareAttributeFirstHavingIt", "a.b[name]", 0, "seven"},
+        KeyCase{"BareAttributeNeedsNoPrefix", "a.b[id=8][name]", -1, ""},
+        KeyCase{"ConditionText", "a.b[id=8]", 0, "eight"}, KeyCase{"ConditionWithoutText", "a.b[id=7]", 0, ""},
+        KeyCase{"ConditionNoMatch", "a.b[id=9]", -1, ""},
+        KeyCase{"ConditionThenAttribute", "a.b[id=7][name]", 0, "seven"},
+        KeyCase{"ConditionThenPath", "a.b[id=7].c", 0, "first c"},
+        KeyCase{"ConditionThenPathNoDot", "a.b[id=7]c", 0, "first c"},
+        KeyCase{"TwoConditionsThenPath", "a.b[id=7].c[k=v].d", 0, "deep"},
+        KeyCase{"PathAfterBracketWithoutText", "a.b[id=7].e", -1, ""},
+        KeyCase{"TrailingDotAfterBracket", "a.b[id=6].", 0, ""},
+        KeyCase{"SecondBracketDropsRest", "a.b[id=7][name].c", 0, "seven"}, KeyCase{"MissingClose", "a.b[id=7", -1, ""},
+        KeyCase{"CloseBeforeOpen", "a]b[id", -1, ""}, KeyCase{"LaterBracketUnclosed", "a.b[id=7].c[k=v", -1, ""},
+        KeyCase{"EmptySegment", "[id]", -1, ""}, KeyCase{"EmptyConditionName", "a.b[=7]", -1, ""},
+        KeyCase{"MissingAttribute", "a.b[zz]", -1, ""}),
     xmltest::case_name<KeyCase>);
 
 TEST(KeyLookupLimits, OverlongPartsAreRefusedNotCut)
 {
     const std::string long_name(128, 'n');
-    const std::string doc = "<a><" + long_name + " id='1'>v</" + long_name + "><b " + std::string(127, 'k') +
-                            "='w'>t</b></a>";
+    const std::string doc =
+        "<a><" + long_name + " id='1'>v</" + long_name + "><b " + std::string(127, 'k') + "='w'>t</b></a>";
     xmltest::Tree tree = xmltest::parse(doc.c_str());
     char out[32] = "untouched";
     // Element name of 128 bytes behind a bracket.
@@ -153,8 +148,10 @@ TEST(KeyLookupLimits, OverlongPartsAreRefusedNotCut)
     EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a.b[" + std::string(128, 'k') + "]").c_str(), out), -1);
     // A segment of 255 bytes is read, 256 refused; the same for a plain key.
     const std::string dots254(253, '.');
-    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a" + dots254 + "b[" + std::string(127, 'k') + "]").c_str(), out), 0);
-    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a." + dots254 + "b[" + std::string(127, 'k') + "]").c_str(), out), -1);
+    EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a" + dots254 + "b[" + std::string(127, 'k') + "]").c_str(), out),
+              0);
+    EXPECT_EQ(
+        NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a." + dots254 + "b[" + std::string(127, 'k') + "]").c_str(), out), -1);
     EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a" + dots254 + "b").c_str(), out), 0);
     EXPECT_STREQ(out, "t");
     EXPECT_EQ(NDL_XML_GetNodeOrAttr_Node(tree.get(), ("a." + dots254 + "b").c_str(), out), -1);
@@ -215,9 +212,9 @@ TEST(KeyLookupFile, ReadsTheFeatureSetting)
 TEST(KeyLookupFile, LongValueNeverOverflowsTheBoundedBuffer)
 {
     const std::string value(100, 'v');
-    const std::string path = xmltest::write_work_file(
-        "key_lookup_long.xml", "<configuration><FEATURE_SMS><lang_table>" + value +
-                                   "</lang_table></FEATURE_SMS></configuration>");
+    const std::string path =
+        xmltest::write_work_file("key_lookup_long.xml", "<configuration><FEATURE_SMS><lang_table>" + value +
+                                                            "</lang_table></FEATURE_SMS></configuration>");
     char out[33];
     out[32] = '#';
     EXPECT_EQ(NDL_XML_GetNodeOrAttrEx(path.c_str(), "configuration.FEATURE_SMS.lang_table", out, 32), -1);
@@ -225,8 +222,9 @@ TEST(KeyLookupFile, LongValueNeverOverflowsTheBoundedBuffer)
     EXPECT_EQ(out[32], '#');
 }
 
-constexpr const char *kUrlDoc = "<r><item>1</item><other/><item>2</item><item>3</item><item>4</item><item>5</item>"
-                             "<p:item>6</p:item><box><x:leaf>7</x:leaf><n:n>8</n:n></box></r>";
+constexpr const char *kUrlDoc =
+    "<r><item>1</item><other/><item>2</item><item>3</item><item>4</item><item>5</item>"
+    "<p:item>6</p:item><box><x:leaf>7</x:leaf><n:n>8</n:n></box></r>";
 
 struct UrlCase {
     const char *name;
@@ -252,28 +250,26 @@ TEST_P(UrlLookup, FollowsNamesAndIndexes)
 
 INSTANTIATE_TEST_SUITE_P(
     Rules, UrlLookup,
-    ::testing::Values(UrlCase{"RootItself", "r", XML_OK, ""}, UrlCase{"FirstChildByName", "r.item", XML_OK, "1"},
-                      UrlCase{"IndexCountsSameNameOnly", "r.item.3", XML_OK, "3"},
-                      UrlCase{"IndexOne", "r.item.1", XML_OK, "1"},
-                      UrlCase{"IndexIncludesPrefixedTwin", "r.item.6", XML_OK, "6"},
-                      UrlCase{"IndexTooLarge", "r.item.9", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"IndexZero", "r.item.0", XML_ERR_INDEX, ""},
-                      UrlCase{"IndexAfterFirstComponent", "r.3", XML_ERR_INDEX, ""},
-                      UrlCase{"IndexAfterIndex", "r.item.2.1", XML_ERR_INDEX, ""},
-                      UrlCase{"TenDigitIndex", "r.item.0000000001", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"NineDigitIndex", "r.item.000000002", XML_OK, "2"},
-                      UrlCase{"WrongFirstComponent", "x.item", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"MissingChild", "r.none", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"PrefixedName", "r.p:item", XML_OK, "6"},
-                      UrlCase{"PrefixedNested", "r.box.x:leaf", XML_OK, "7"},
-                      UrlCase{"LocalNameMatchesPrefixed", "r.box.leaf", XML_OK, "7"},
-                      UrlCase{"WrongPrefix", "r.box.y:leaf", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"PrefixEqualsNameFirstOccurrenceWins", "r.box.n:n", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"PrefixedNameMatchesAtItsStart", "r.box.x:leafy", XML_OK, "7"},
-                      UrlCase{"NameMustFollowTheColon", "r.box.leaf:x", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"EmptyComponentsSkipped", "..r..item..2..", XML_OK, "2"},
-                      UrlCase{"OnlyDots", "...", XML_ERR_NOT_FOUND, ""},
-                      UrlCase{"NameAfterIndex", "r.box.1.leaf", XML_OK, "7"}),
+    ::testing::Values(
+        UrlCase{"RootItself", "r", XML_OK, ""}, UrlCase{"FirstChildByName", "r.item", XML_OK, "1"},
+        UrlCase{"IndexCountsSameNameOnly", "r.item.3", XML_OK, "3"}, UrlCase{"IndexOne", "r.item.1", XML_OK, "1"},
+        UrlCase{"IndexIncludesPrefixedTwin", "r.item.6", XML_OK, "6"},
+        UrlCase{"IndexTooLarge", "r.item.9", XML_ERR_NOT_FOUND, ""},
+        UrlCase{"IndexZero", "r.item.0", XML_ERR_INDEX, ""},
+        UrlCase{"IndexAfterFirstComponent", "r.3", XML_ERR_INDEX, ""},
+        UrlCase{"IndexAfterIndex", "r.item.2.1", XML_ERR_INDEX, ""},
+        UrlCase{"TenDigitIndex", "r.item.0000000001", XML_ERR_NOT_FOUND, ""},
+        UrlCase{"NineDigitIndex", "r.item.000000002", XML_OK, "2"},
+        UrlCase{"WrongFirstComponent", "x.item", XML_ERR_NOT_FOUND, ""},
+        UrlCase{"MissingChild", "r.none", XML_ERR_NOT_FOUND, ""}, UrlCase{"PrefixedName", "r.p:item", XML_OK, "6"},
+        UrlCase{"PrefixedNested", "r.box.x:leaf", XML_OK, "7"},
+        UrlCase{"LocalNameMatchesPrefixed", "r.box.leaf", XML_OK, "7"},
+        UrlCase{"WrongPrefix", "r.box.y:leaf", XML_ERR_NOT_FOUND, ""},
+        UrlCase{"PrefixEqualsNameFirstOccurrenceWins", "r.box.n:n", XML_ERR_NOT_FOUND, ""},
+        UrlCase{"PrefixedNameMatchesAtItsStart", "r.box.x:leafy", XML_OK, "7"},
+        UrlCase{"NameMustFollowTheColon", "r.box.leaf:x", XML_ERR_NOT_FOUND, ""},
+        UrlCase{"EmptyComponentsSkipped", "..r..item..2..", XML_OK, "2"},
+        UrlCase{"OnlyDots", "...", XML_ERR_NOT_FOUND, ""}, UrlCase{"NameAfterIndex", "r.box.1.leaf", XML_OK, "7"}),
     xmltest::case_name<UrlCase>);
 
 TEST(UrlLookupArguments, RequiredAndBounded)
