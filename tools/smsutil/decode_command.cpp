@@ -114,9 +114,13 @@ bool decode_one(const PduInput& input, const DecodeOptions& options) {
     }
     auto record = std::make_unique<sms_pdu_record>();
     const int result = sms_pdu_decode_hex(text.data(), text.size(), 0, record.get());
-    const Decoded decoder = through_decoder(text, *record, result);
-    if (!options.gateway && !options.compare) return print(decoder.json, decoder.ok);
-    const Decoded gateway = through_gateway(text, pdu, gateway_state(input, options, *record, result), options);
+    Decoded decoder = through_decoder(text, *record, result);
+    const uint32_t state = gateway_state(input, options, *record, result);
+    if (!options.gateway && !options.compare) {
+        if (options.detail && decoder.ok) decoder.json["detail"] = tpdu_detail(decode_tpdu(pdu.tpdu, state));
+        return print(decoder.json, decoder.ok);
+    }
+    const Decoded gateway = through_gateway(text, pdu, state, options);
     if (options.gateway) return print(gateway.json, gateway.ok);
     Json out;
     out["decoder"] = decoder.json;
@@ -151,8 +155,7 @@ void add_decode_command(CLI::App& app, int& exit_status) {
                   "Show what the gateway's message interface (ParseSms) makes of each PDU instead");
     cmd->add_flag("--compare", options->compare,
                   "Show both, as \"decoder\" and \"gateway\", and the fields where they differ");
-    cmd->add_flag("--detail", options->detail,
-                  "With --gateway or --compare: add the TPDU fields as the transport codec decodes them");
+    cmd->add_flag("--detail", options->detail, "Add the TPDU fields as the transport codec decodes them");
     cmd->add_flag("--raw", options->raw,
                   "Add raw_text, the text's bytes exactly as ParseSms returned them (implies --gateway unless "
                   "--compare)");

@@ -204,6 +204,7 @@ INSTANTIATE_TEST_SUITE_P(
         // --gateway takes the state from the PDU's kind: a SUBMIT needs no --state.
         FieldCase{"GatewayStateFromKind", {"--gateway", kSubmit}, "", "/type", "submit"},
         FieldCase{"GatewayStateGiven", {"--gateway", "--state", "1", kSubmit}, "", "/result", -1, 1},
+        FieldCase{"DetailFollowsTheKind", {"--detail", kSubmit}, "", "/detail/tpdu", "submit"},
         FieldCase{"GatewayHasNoNewFields", {"--gateway", kPush}, "", "/headers", "absent"},
         FieldCase{"CompareBothAgree", {"--compare", kVoicemail}, "", "/differences", json::array()},
         FieldCase{"CompareGatewayOnlyFails", {"--compare", kNoCentre}, "", "/differences", json::array({"error"})},
