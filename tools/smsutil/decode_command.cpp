@@ -147,9 +147,9 @@ void add_decode_command(CLI::App& app, int& exit_status) {
     auto options = std::make_shared<DecodeOptions>();
     CLI::App* cmd = app.add_subcommand("decode", "Decode PDUs as a modem prints them, one JSON object per PDU");
     auto* state = cmd->add_option("--state", options->state,
-                                  "With --gateway: storage state ParseSms takes, 0/1 received (DELIVER, "
-                                  "STATUS-REPORT), 2/3 stored outgoing (SUBMIT); by default the PDU's own kind "
-                                  "says it, and a +CMGL or +CMGR header's status takes its place")
+                                  "With --gateway or --compare: storage state ParseSms takes, 0/1 received "
+                                  "(DELIVER, STATUS-REPORT), 2/3 stored outgoing (SUBMIT); a +CMGL or +CMGR "
+                                  "header's status takes its place, and without either the PDU's kind decides")
                       ->each(whole_number_from("--state", 0, 3));
     cmd->add_flag("--gateway", options->gateway,
                   "Show what the gateway's message interface (ParseSms) makes of each PDU instead");

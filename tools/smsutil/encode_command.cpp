@@ -162,7 +162,7 @@ void add_encode_command(CLI::App& app, int& exit_status) {
     cmd->add_flag("--status-report", request.status_report, "Ask the service centre for a status report");
     auto* reference =
         cmd->add_option("--ref", request.reference,
-                        "Message reference and concatenation reference, 0 to 255 (default: 0 for one part, "
+                        "Concatenation reference (with --gateway also the message reference), 0 to 255 (default: 0 for one part, "
                         "a fresh reference for each message of several parts)")
             ->each(whole_number_from("--ref", 0, 255));
     cmd->add_flag("--at", options->at_commands, "Print AT+CMGS=<n> lines, each followed by its PDU");
