@@ -43,24 +43,29 @@ run "smsutil decode < examples/cmgl_session.txt"
 section "Long messages put back together: parts shuffled and one repeated, and a message whose part 2 never came"
 run "smsutil join < examples/long_message_parts.pdu"
 
-section "The transport codec's view of one part (--detail)"
-run "grep -v '^#' examples/long_message.pdu | tail -1 | smsutil decode --detail"
+section "One PDU shown both ways: the standards-true decoder and the gateway's message interface (--compare)"
+run "grep -v '^#' examples/deliver_ucs2.pdu | smsutil decode --compare"
+
+section "The transport codec's view of one part, through the gateway's interface (--gateway --detail)"
+run "grep -v '^#' examples/long_message.pdu | tail -1 | smsutil decode --gateway --detail"
 
 section "A PDU the library refuses: the error names the cause, exit status 1"
-run "smsutil decode 0891683119320400F00405812143F500009950607080902302E834 || echo \"exit status \$?\""
+run "smsutil decode 0891683119320400F00405812143F50000995060 || echo \"exit status \$?\""
 
-section "A long Turkish text: how the library cuts it, the PDUs, and the PDUs decoded back"
-echo "(--coding auto picks UCS-2 here: the 7-bit packs under the Turkish table do not spell the text)"
+section "A long Turkish text: the Turkish shift tables take fewer parts than UCS-2"
+run "smsutil encode --to +905321234567 --lang none --ref 42 - < examples/turkish.txt | grep -c pdu"
+run "smsutil encode --to +905321234567 --ref 42 - < examples/turkish.txt"
+run "smsutil encode --to +905321234567 --ref 42 --at - < examples/turkish.txt | grep -v '^AT' | smsutil join"
+
+section "The same text through the gateway's interface (ComposeSms), which sends it as UCS-2"
 run "smsutil split --lang turkish - < examples/turkish.txt"
-run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --ref 42 - < examples/turkish.txt"
-run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --ref 42 --at - < examples/turkish.txt"
-run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --ref 42 --at - < examples/turkish.txt | grep -v '^AT' | smsutil decode --state 3"
+run "smsutil encode --gateway --to +905321234567 --smsc +8613912340000 --lang turkish --ref 42 --at - < examples/turkish.txt | grep -v '^AT' | smsutil decode --gateway --state 3"
 
-section "An emoji: sent as one UCS-2 surrogate pair, read back as one character (--raw: the library's bytes)"
-run "smsutil encode --to +8613912345678 --smsc +8613912340000 --at 'See you at 8 👍' | grep -v '^AT' | smsutil decode --state 2 --raw"
+section "An emoji: sent as one UCS-2 surrogate pair, read back as one character (--raw: ParseSms's bytes)"
+run "smsutil encode --gateway --to +8613912345678 --smsc +8613912340000 --at 'See you at 8 👍' | grep -v '^AT' | smsutil decode --gateway --state 2 --raw"
 
-section "A Turkish text forced to 7-bit would not arrive as written: the lost character is named, exit status 1"
-run "smsutil encode --to +905321234567 --smsc +8613912340000 --lang turkish --coding gsm7 'Kırmızı çiçek' || echo \"exit status \$?\""
+section "A Turkish text forced to 7-bit through the gateway would not arrive as written: the lost character is named, exit status 1"
+run "smsutil encode --gateway --to +905321234567 --smsc +8613912340000 --lang turkish --coding gsm7 'Kırmızı çiçek' || echo \"exit status \$?\""
 
 section "The sample feature file's national 8-bit table setting"
 run "smsutil xml get examples/optional_feature.xml configuration.FEATURE_SMS.lang_table"

@@ -346,18 +346,27 @@ TEST(Reassembly, PartsFromTheMessageInterface)
         uint32_t state, flag;
         uint16_t mr;
         uint8_t kind, concatenated, bits;
+        bool record; // through the decoder's record instead of an SmsMessage
     };
-    for (const Case &c : {Case{1, 1, 92, SMS_REASM_RECEIVED, 1, 8}, Case{3, 1, 0x1234, SMS_REASM_STORED_OUTGOING, 1, 16},
-                          Case{2, 0, 5, SMS_REASM_STORED_OUTGOING, 0, 0}}) {
+    for (const Case &c : {Case{1, 1, 92, SMS_REASM_RECEIVED, 1, 8, false},
+                          Case{3, 1, 0x1234, SMS_REASM_STORED_OUTGOING, 1, 16, false},
+                          Case{2, 0, 5, SMS_REASM_STORED_OUTGOING, 0, 0, false},
+                          Case{2, 1, 0x34, SMS_REASM_STORED_OUTGOING, 1, 16, true}}) {
         SmsMessage m{};
         m.state = c.state;
         m.sms_flag_type = c.flag;
         m.mr = c.mr;
+        sms_pdu_record r{};
+        r.kind = c.state >= 2 ? SMS_PDU_SUBMIT : SMS_PDU_DELIVER;
+        r.has_concatenation = static_cast<uint8_t>(c.flag);
+        r.concatenation_16bit = c.bits == 16;
+        r.concatenation_reference = c.mr;
         sms_reasm_part part;
-        ASSERT_EQ(sms_reasm_part_from_message(&m, &part), 0);
+        ASSERT_EQ(c.record ? sms_reasm_part_from_record(&r, &part) : sms_reasm_part_from_message(&m, &part), 0);
         EXPECT_EQ(part.kind, c.kind);
         EXPECT_EQ(part.concatenated, c.concatenated);
         EXPECT_EQ(part.reference_bits, c.bits);
+        EXPECT_EQ(part.reference, c.concatenated ? c.mr : 0);
     }
 }
 

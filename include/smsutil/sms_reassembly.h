@@ -31,6 +31,7 @@
 #include <stdint.h>
 
 #include "smsutil/sms_api.h"
+#include "smsutil/sms_pdu.h"
 #include "smsutil/smsutil_export.h"
 
 SMSUTIL_BEGIN_DECLS
@@ -158,6 +159,13 @@ SMSUTIL_API int sms_reasm_init(sms_reasm_store **store, void *buffer, size_t siz
 /* Describes a record filled by ParseSms as a part.  The part's text points
  * into message->content, so the record must outlive the part. */
 SMSUTIL_API int sms_reasm_part_from_message(const SmsMessage *message, sms_reasm_part *part);
+
+/* Describes a record filled by sms_pdu_decode as a part: a SUBMIT is a
+ * stored outgoing one, every other kind a received one.  The text (the
+ * octets after the header for 8-bit data) points into the record, which
+ * must outlive the part.  Two-digit years 00 to 95 are taken as 2000 to
+ * 2095, 96 to 99 as 1996 to 1999. */
+SMSUTIL_API int sms_reasm_part_from_record(const sms_pdu_record *record, sms_reasm_part *part);
 
 /* Offers one part; now is the caller's clock in seconds.  out is written
  * only for SMS_REASM_COMPLETE (and text_length for SMS_REASM_TEXT_TOO_LONG).

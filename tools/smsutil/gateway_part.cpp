@@ -38,8 +38,24 @@ const char* content_coding_name(uint32_t coding) {
     }
 }
 
-GatewayPart read_gateway_part(std::string_view text, uint32_t state) {
-    GatewayPart out;
+JoinPart read_decoder_part(std::string_view text) {
+    JoinPart out;
+    if (auto stray = non_hex_character(text)) {
+        out.error = *stray;
+        return out;
+    }
+    out.record = std::make_unique<sms_pdu_record>();
+    const int result = sms_pdu_decode_hex(text.data(), text.size(), 0, out.record.get());
+    if (result != SMS_PDU_OK) {
+        out.error = std::string("the decoder returned ") + std::to_string(result) + ": " + sms_pdu_result_text(result);
+        return out;
+    }
+    sms_reasm_part_from_record(out.record.get(), &out.part);
+    return out;
+}
+
+JoinPart read_gateway_part(std::string_view text, uint32_t state) {
+    JoinPart out;
     const PduText pdu = split_pdu_text(text);
     const DecodedTpdu tpdu = pdu.error.empty() ? decode_tpdu(pdu.tpdu, state) : DecodedTpdu{};
     // The library reads any character as a nibble and stops at 512.

@@ -1,6 +1,5 @@
-// One PDU line read through the message interface (ParseSms) as a part of
-// a long message, with the alphabet its TPDU announces: the record itself
-// reports UTF-8 once a 7-bit text is converted.
+// One PDU line read as a part of a long message, by the standards-true
+// decoder or through the message interface (ParseSms).
 #pragma once
 
 #include <cstdint>
@@ -12,13 +11,19 @@
 
 namespace smsutil::cli {
 
-struct GatewayPart {
-    std::unique_ptr<SmsMessage> message; // the part's text points into it
+struct JoinPart {
+    // The part's text points into whichever of the two was filled.
+    std::unique_ptr<SmsMessage> message;
+    std::unique_ptr<sms_pdu_record> record;
     sms_reasm_part part{};
-    std::string error;                   // why the line is not a message; empty when it is
+    std::string error;  // why the line is not a message; empty when it is
 };
 
-GatewayPart read_gateway_part(std::string_view text, uint32_t state);
+JoinPart read_decoder_part(std::string_view text);
+
+// With the alphabet the TPDU announces: the record ParseSms fills reports
+// UTF-8 once a 7-bit text is converted.
+JoinPart read_gateway_part(std::string_view text, uint32_t state);
 
 // "ucs2", "gsm7", "8bit" or "other" for an SMS_CONTENT_* value.
 const char* content_coding_name(uint32_t coding);

@@ -12,6 +12,7 @@
 #include "hex.hpp"
 #include "join_state.hpp"
 #include "joined_json.hpp"
+#include "modem_input.hpp"
 
 namespace smsutil::cli {
 namespace {
@@ -50,8 +51,15 @@ public:
     sms_reasm_store* store() { return store_; }
 
     // One PDU line; false when it could not be parsed.
-    bool add(std::string_view text, uint32_t state, uint64_t now) {
-        const GatewayPart part = read_gateway_part(text, state);
+    bool add(const PduInput& input, const JoinOptions& options, uint64_t now) {
+        const std::string_view text = input.pdu;
+        JoinPart part;
+        if (!input.error.empty()) {
+            part.error = input.error;
+        } else {
+            part = options.gateway ? read_gateway_part(text, storage_state(input, options.storage_state))
+                                   : read_decoder_part(text);
+        }
         if (!part.error.empty()) {
             std::cout << to_line(Json{{"pdu", std::string(text)}, {"error", part.error}}) << '\n';
             return false;
@@ -98,14 +106,10 @@ void run_join(const JoinOptions& options, int& exit_status) {
     }
     bool all_ok = true;
     if (!options.pdus.empty()) {
-        for (const auto& pdu : options.pdus) all_ok = joiner.add(trim(pdu), options.storage_state, now) && all_ok;
+        for (const auto& pdu : options.pdus) all_ok = joiner.add(pdu_argument(pdu), options, now) && all_ok;
     } else {
-        std::string line;
-        while (std::getline(std::cin, line)) {
-            const std::string_view text = trim(line);
-            if (text.empty() || text.front() == '#') continue;
-            all_ok = joiner.add(text, options.storage_state, now) && all_ok;
-        }
+        ModemReader reader(std::cin);
+        while (auto input = reader.next()) all_ok = joiner.add(*input, options, now) && all_ok;
     }
     sms_reasm_expire(joiner.store(), now);
     sms_reasm_visit(joiner.store());
@@ -126,12 +130,13 @@ void add_join_command(CLI::App& app, int& exit_status) {
     auto options = std::make_shared<JoinOptions>();
     CLI::App* cmd = app.add_subcommand("join", "Put the parts of long messages back together, one JSON object per message");
     cmd->add_option("--storage-state", options->storage_state,
-                    "Storage state of the PDUs, as decode's --state: 0/1 received, 2/3 stored outgoing (SUBMIT)")
+                    "With --gateway: storage state of the PDUs, as decode's --state: 0/1 received, 2/3 stored "
+                    "outgoing (SUBMIT); a +CMGL or +CMGR header's status takes its place")
         ->check(CLI::Range(0, 3))
         ->capture_default_str();
     cmd->add_flag("--gateway", options->gateway,
-                  "Decode each PDU through ParseSms, as a gateway using the message interface does (the only "
-                  "decoder join uses so far)");
+                  "Decode each PDU through ParseSms, as a gateway using the message interface does, instead of "
+                  "the standards-true decoder");
     cmd->add_option("--state", options->state_file,
                     "Load pending parts from FILE before and save them after, so parts can arrive over several runs")
         ->type_name("FILE");
@@ -139,7 +144,8 @@ void add_join_command(CLI::App& app, int& exit_status) {
                     "Hand over, incomplete, a message whose first part arrived SECONDS or more ago (0: never)")
         ->type_name("SECONDS")
         ->capture_default_str();
-    cmd->add_option("PDU", options->pdus, "Hexadecimal PDUs; read one per line from standard input when none");
+    cmd->add_option("PDU", options->pdus,
+                    "Hexadecimal PDUs; when none, standard input: one PDU a line, or a modem's answer as pasted");
     cmd->footer(
         "Examples:\n"
         "  smsutil join < parts.txt\n"

@@ -19,7 +19,12 @@ Json joined_json(const sms_reasm_message& message, bool complete, int reason) {
     out["address"] = std::string(message.address, strnlen(message.address, sizeof message.address));
     out["sca"] = std::string(message.service_centre, strnlen(message.service_centre, sizeof message.service_centre));
     const sms_reasm_time& t = message.time;
-    out["timestamp"] = t.year == 0 ? Json(nullptr) : Json(iso8601_local(t.year, t.month, t.day, t.hour, t.minute, t.second));
+    if (t.year == 0) {
+        out["timestamp"] = nullptr;
+    } else {
+        out["timestamp"] = iso8601_local(t.year, t.month, t.day, t.hour, t.minute, t.second) +
+                           (t.has_zone != 0 ? utc_offset(t.zone_quarters) : std::string());
+    }
     out["reference"] = message.concatenated != 0 ? Json(message.reference) : Json(nullptr);
     out["total"] = message.total;
     Json parts = Json::array();

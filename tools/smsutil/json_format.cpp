@@ -73,12 +73,15 @@ std::optional<std::string> iso8601_without_zone(const wms_timestamp& time) {
 std::optional<std::string> iso8601_timestamp(const wms_timestamp& time) {
     auto text = iso8601_without_zone(time);
     if (!text) return std::nullopt;
-    const int quarters = time.timezone;
+    return *text + utc_offset(time.timezone);
+}
+
+std::string utc_offset(int quarters) {
     const unsigned offset_minutes = static_cast<unsigned>(quarters < 0 ? -quarters : quarters) * 15;
     std::array<char, 16> zone{};
     std::snprintf(zone.data(), zone.size(), "%c%02u:%02u", quarters < 0 ? '-' : '+', offset_minutes / 60,
                   offset_minutes % 60);
-    return *text + zone.data();
+    return zone.data();
 }
 
 std::optional<std::string> iso8601_duration(const wms_timestamp& duration) {

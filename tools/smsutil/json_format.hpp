@@ -39,6 +39,9 @@ std::optional<std::string> iso8601_without_zone(const wms_timestamp& time);
 // is not BCD.
 std::optional<std::string> iso8601_timestamp(const wms_timestamp& time);
 
+// "+05:30", "-05:00": an offset from UTC given in quarter hours.
+std::string utc_offset(int quarters);
+
 // A relative duration as an ISO 8601 period, e.g. "P1D", "PT12H30M".
 std::optional<std::string> iso8601_duration(const wms_timestamp& duration);
 

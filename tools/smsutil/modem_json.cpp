@@ -15,7 +15,8 @@ Json with_header(const PduInput& input, const PduText& pdu, Json fields, bool fa
     // The length is only comparable once the text split into its parts.
     if (pdu.error.empty() && input.error.empty()) {
         if (auto problem = header_length_problem(input, pdu.tpdu.size()); !problem.empty()) {
-            out["problems"] = Json::array({problem});
+            if (!out.contains("problems")) out["problems"] = Json::array();
+            out["problems"].push_back(problem);
         }
     }
     return out;

@@ -9,7 +9,7 @@
 namespace smsutil::cli {
 
 // "index" and "stat" ({"code", "name"}) in front of the fields, "alpha"
-// when the modem matched a name, and "problems" behind them when the
+// when the modem matched a name, and a line added to "problems" when the
 // header's length does not match the PDU.  A PDU that failed also gets
 // the line it came from.
 Json with_header(const PduInput& input, const PduText& pdu, Json fields, bool failed);

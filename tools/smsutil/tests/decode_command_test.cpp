@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "run_tool.hpp"
+#include "smsutil/sms_pdu.h"
 #include "smsutil/smsutil.h"
 
 namespace smsutil::cli::test {
@@ -36,15 +37,15 @@ TEST_P(DecodeGolden, MatchesTheCheckedInOutput) {
 INSTANTIATE_TEST_SUITE_P(
     Examples, DecodeGolden,
     ::testing::Values(GoldenCase{"deliver_7bit", "deliver_7bit.pdu", {}},
-                      GoldenCase{"deliver_7bit_detail", "deliver_7bit.pdu", {"--detail"}},
+                      GoldenCase{"deliver_7bit_detail", "deliver_7bit.pdu", {"--gateway", "--detail"}},
                       GoldenCase{"deliver_ucs2", "deliver_ucs2.pdu", {}},
-                      GoldenCase{"deliver_ucs2_detail", "deliver_ucs2.pdu", {"--detail"}},
+                      GoldenCase{"deliver_ucs2_detail", "deliver_ucs2.pdu", {"--gateway", "--detail"}},
                       GoldenCase{"status_report", "status_report.pdu", {}},
-                      GoldenCase{"status_report_detail", "status_report.pdu", {"--detail"}},
+                      GoldenCase{"status_report_detail", "status_report.pdu", {"--gateway", "--detail"}},
                       GoldenCase{"long_message", "long_message.pdu", {}},
-                      GoldenCase{"long_message_detail", "long_message.pdu", {"--detail"}},
+                      GoldenCase{"long_message_detail", "long_message.pdu", {"--gateway", "--detail"}},
                       // Each stored message decodes by the status its header gives, whatever --state says.
-                      GoldenCase{"cmgl_session", "cmgl_session.txt", {"--state", "1"}}),
+                      GoldenCase{"cmgl_session", "cmgl_session.txt", {"--gateway", "--state", "1"}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Decode, ArgumentsAndStandardInputGiveTheSameLines) {
@@ -81,7 +82,7 @@ class DecodeBadPdu : public ::testing::TestWithParam<BadPduCase> {};
 
 TEST_P(DecodeBadPdu, PrintsTheCauseAndExitsWithOne) {
     const auto& c = GetParam();
-    const ToolRun run = run_tool({"decode", "--state", c.state, c.pdu});
+    const ToolRun run = run_tool({"decode", "--gateway", "--state", c.state, c.pdu});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err, "");
     const auto lines = lines_of(run.out);
@@ -144,6 +145,73 @@ TEST(Decode, ModemHeadersThatDoNotFit) {
                               {"result", nullptr}, {"error_code", nullptr}}));
     EXPECT_FALSE(lines[2].contains("problems"));
 }
+
+// Fields the default decoder adds and the flags that pick a view: each
+// row decodes one PDU and checks one JSON pointer of its line.
+struct FieldCase {
+    const char* name;
+    std::vector<std::string> args;
+    std::string input;
+    const char* pointer;
+    json expected;
+    int status = 0;
+};
+
+class DecodeField : public ::testing::TestWithParam<FieldCase> {};
+
+TEST_P(DecodeField, PrintsTheField) {
+    const auto& c = GetParam();
+    std::vector<std::string> args{"decode"};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const ToolRun run = run_in_process(args, c.input);
+    EXPECT_EQ(run.status, c.status) << run.out;
+    const auto lines = json_lines(run.out);
+    ASSERT_EQ(lines.size(), 1U) << run.out;
+    EXPECT_EQ(lines[0].value(json::json_pointer(c.pointer), json("absent")), c.expected) << run.out;
+}
+
+// Class 0, 7-bit "hi" behind a locking shift to language 9, which has no table.
+const std::string kUnknownShift = kSc + "4405812143F5001042506070809023070325010940A701";
+// 8-bit data to port 2948 from 9200.
+const std::string kPush = kSc + "4405812143F50004425060708090230A0605040B8423F0DEADBE";
+const std::string kVoicemail = kSc + "0405812143F500C8" + "42506070809023" + kDeliverTail;
+const std::string kNoCentre = "00" + kDeliverHead + "42506070809023" + kDeliverTail;
+const std::string kSubmit = "0891683119320400f0010005812143f5000002e834";
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, DecodeField,
+    ::testing::Values(
+        FieldCase{"TimestampWithOffset", {kNoCentre}, "", "/timestamp", "2024-05-06T07:08:09+08:00"},
+        FieldCase{"EmptyServiceCentre", {kNoCentre}, "", "/sca", ""},
+        FieldCase{"Class", {kUnknownShift}, "", "/class", 0},
+        FieldCase{"NoClass", {kPush}, "", "/class", nullptr},
+        FieldCase{"DcsOctet", {kPush}, "", "/dcs/octet", 4},
+        FieldCase{"MessageWaiting", {kVoicemail}, "", "/dcs/message_waiting",
+                  json{{"type", "voicemail"}, {"active", true}, {"store", false}}},
+        FieldCase{"Ports", {kPush}, "", "/ports", json{{"source", 9200}, {"destination", 2948}}},
+        FieldCase{"EightBitDataAsHex", {kPush}, "", "/user_data_hex", "deadbe"},
+        FieldCase{"NoDataHexForText", {kVoicemail}, "", "/user_data_hex", "absent"},
+        FieldCase{"Headers", {kPush}, "", "/headers", json::parse(R"([{"id":5,"data":"0b8423f0"}])")},
+        FieldCase{"UnknownLanguageByNumber", {kUnknownShift}, "", "/national_language", json{{"locking", 9}, {"single", nullptr}}},
+        FieldCase{"Problem", {kUnknownShift}, "", "/problems/0/code", SMS_PDU_PROBLEM_UNKNOWN_LANGUAGE},
+        FieldCase{"NoProblems", {kPush}, "", "/problems", "absent"},
+        // The modem header's own problem joins the decoder's.
+        FieldCase{"HeaderProblemAppended", {}, "+CMGR: 1,,19\n" + kUnknownShift, "/problems/1",
+                  "+CMGR gives a length of 19 TPDU octets, the PDU holds 23"},
+        FieldCase{"StatusReportCategory", {}, lines_of(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/status_report.pdu")).at(2),
+                  "/status/category", "permanent error"},
+        FieldCase{"DecoderError", {kSc + "0405812143F5000042"}, "", "/result", SMS_PDU_ERR_TRUNCATED_TIMESTAMP, 1},
+        // --gateway takes the state from the PDU's kind: a SUBMIT needs no --state.
+        FieldCase{"GatewayStateFromKind", {"--gateway", kSubmit}, "", "/type", "submit"},
+        FieldCase{"GatewayStateGiven", {"--gateway", "--state", "1", kSubmit}, "", "/result", -1, 1},
+        FieldCase{"DetailFollowsTheKind", {"--detail", kSubmit}, "", "/detail/tpdu", "submit"},
+        FieldCase{"GatewayHasNoNewFields", {"--gateway", kPush}, "", "/headers", "absent"},
+        FieldCase{"CompareBothAgree", {"--compare", kVoicemail}, "", "/differences", json::array()},
+        FieldCase{"CompareGatewayOnlyFails", {"--compare", kNoCentre}, "", "/differences", json::array({"error"})},
+        FieldCase{"CompareLocalTimeOnly", {"--compare", kVoicemail}, "", "/gateway/timestamp", "2024-05-06T07:08:09"},
+        // The gateway reads the header of 8-bit data as text.
+        FieldCase{"CompareNamesTheField", {"--compare", kPush}, "", "/differences", json::array({"text"})}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Decode, SkipsBlankAndCommentLines) {
     const std::string good = lines_of(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/deliver_7bit.pdu")).at(1);

@@ -33,11 +33,11 @@ class EncodeRoundTrip : public ::testing::TestWithParam<RoundTripCase> {};
 TEST_P(EncodeRoundTrip, DecodesBackToTheSameText) {
     const auto& c = GetParam();
     const ToolRun encoded = run_tool(
-        {"encode", "--to", kTo, "--smsc", kSmsc, "--coding", c.coding, "--lang", c.lang, "--ref", "7", c.text});
+        {"encode", "--gateway", "--to", kTo, "--smsc", kSmsc, "--coding", c.coding, "--lang", c.lang, "--ref", "7", c.text});
     ASSERT_EQ(encoded.status, 0) << encoded.out << encoded.err;
     const auto parts = json_lines(encoded.out);
     ASSERT_EQ(parts.size(), c.parts) << encoded.out;
-    std::vector<std::string> decode_args{"decode", "--state", "3"};
+    std::vector<std::string> decode_args{"decode", "--gateway", "--state", "3"};
     for (size_t i = 0; i < parts.size(); ++i) {
         EXPECT_EQ(parts[i]["part"], i + 1);
         EXPECT_EQ(parts[i]["total"], c.parts);
@@ -97,6 +97,65 @@ INSTANTIATE_TEST_SUITE_P(
                       "turkish", "ucs2", 3}),
     [](const auto& info) { return std::string(info.param.name); });
 
+// The default encoder: the coding and tables it reports, and each part
+// decoded back by the default decoder.
+struct SubmitCase {
+    const char* name;
+    std::vector<std::string> options;
+    std::string text;
+    size_t parts;
+    const char* coding;
+    const char* single;
+};
+
+class EncodeSubmit : public ::testing::TestWithParam<SubmitCase> {};
+
+TEST_P(EncodeSubmit, ReportsTheChoiceAndDecodesBack) {
+    const auto& c = GetParam();
+    std::vector<std::string> args{"encode", "--to", kTo, "--ref", "7"};
+    args.insert(args.end(), c.options.begin(), c.options.end());
+    args.push_back(c.text);
+    const ToolRun encoded = run_in_process(args);
+    ASSERT_EQ(encoded.status, 0) << encoded.out << encoded.err;
+    const auto parts = json_lines(encoded.out);
+    ASSERT_EQ(parts.size(), c.parts) << encoded.out;
+    std::string text;
+    for (const json& part : parts) {
+        EXPECT_EQ(part["coding"], c.coding);
+        EXPECT_EQ(part["national_language"], (json{{"locking", "none"}, {"single", c.single}}));
+        const std::string pdu = part["pdu"];
+        EXPECT_EQ(part["tpdu_length"], pdu.size() / 2 - 1);  // after the empty service centre, 00
+        const auto decoded = json_lines(run_in_process({"decode", pdu}).out);
+        ASSERT_EQ(decoded.size(), 1U);
+        EXPECT_EQ(decoded[0]["sca"], "");
+        if (c.parts > 1) {
+            EXPECT_EQ(decoded[0]["concatenation"]["reference"], 7);
+        }
+        text += decoded[0]["text"].get<std::string>();
+    }
+    EXPECT_EQ(text, c.text);
+}
+
+const std::string kTurkish = repeat("\u0130stanbul'da g\u00FCne\u015Fli bir g\u00FCn. ", 6);
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, EncodeSubmit,
+    ::testing::Values(
+        SubmitCase{"Plain", {}, "Hello, world", 1, "gsm7", "none"},
+        SubmitCase{"TurkishTakesFewerParts", {}, kTurkish, 2, "gsm7", "turkish"},
+        SubmitCase{"TurkishChosen", {"--lang", "turkish"}, kTurkish, 2, "gsm7", "turkish"},
+        SubmitCase{"TurkishWithoutLanguages", {"--lang", "none"}, kTurkish, 3, "ucs2", "none"},
+        SubmitCase{"OtherLanguageOnly", {"--lang", "spanish"}, kTurkish, 3, "ucs2", "none"},
+        SubmitCase{"Portuguese", {"--lang", "portuguese"}, "N\u00E3o h\u00E1 a\u00E7\u00E3o", 1, "gsm7", "portuguese"},
+        SubmitCase{"AtTheLimit", {"--max-parts", "2"}, kTurkish, 2, "gsm7", "turkish"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Encode, MoreThanMaxPartsNamesTheLimitAndTheNeed) {
+    const ToolRun run = run_in_process({"encode", "--to", kTo, "--max-parts", "1", kTurkish});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.out.find("needs 2 parts, more than the limit of 1"), std::string::npos) << run.out;
+}
+
 struct RefusedTextCase {
     const char* name;
     std::string text;
@@ -109,7 +168,8 @@ class EncodeRefusedText : public ::testing::TestWithParam<RefusedTextCase> {};
 
 TEST_P(EncodeRefusedText, PrintsAnErrorAndExitsWithOne) {
     const auto& c = GetParam();
-    const ToolRun run = run_tool({"encode", "--to", kTo, "--smsc", kSmsc, "--coding", c.coding, "--lang", c.lang, c.text});
+    const ToolRun run =
+        run_tool({"encode", "--gateway", "--to", kTo, "--smsc", kSmsc, "--coding", c.coding, "--lang", c.lang, c.text});
     EXPECT_EQ(run.status, 1);
     const auto lines = json_lines(run.out);
     ASSERT_EQ(lines.size(), 1U);
@@ -163,12 +223,12 @@ struct SettingCase {
 class EncodeSetting : public ::testing::TestWithParam<SettingCase> {};
 
 TEST_P(EncodeSetting, ReachesTheTpdu) {
-    std::vector<std::string> args{"encode", "--to", kTo, "--smsc", kSmsc};
+    std::vector<std::string> args{"encode", "--gateway", "--to", kTo, "--smsc", kSmsc};
     args.insert(args.end(), GetParam().options.begin(), GetParam().options.end());
     args.push_back("Hi");
     const auto parts = json_lines(run_tool(args).out);
     ASSERT_EQ(parts.size(), 1U);
-    const auto decoded = json_lines(run_tool({"decode", "--state", "3", "--detail", parts[0]["pdu"]}).out);
+    const auto decoded = json_lines(run_tool({"decode", "--gateway", "--state", "3", "--detail", parts[0]["pdu"]}).out);
     ASSERT_EQ(decoded.size(), 1U);
     EXPECT_EQ(decoded[0]["detail"].at(json::json_pointer(GetParam().pointer)), GetParam().expected);
 }
@@ -223,13 +283,13 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"StateNotANumber", {"decode", "--state", "x", "00"}, "--state must be a whole number from 0 to 3"},
         UsageCase{"StateWithSign", {"decode", "--state", "+1", "00"}, "--state must be a whole number from 0 to 3"},
         UsageCase{"MissingDestination", {"encode", "--smsc", "456", "Hi"}, "--to"},
-        UsageCase{"MissingServiceCentre", {"encode", "--to", "123", "Hi"}, "--smsc"},
+        UsageCase{"MissingServiceCentre", {"encode", "--gateway", "--to", "123", "Hi"}, "--smsc is required"},
         UsageCase{"DestinationWithLetter", {"encode", "--to", "12a", "--smsc", "456", "Hi"}, "--to"},
         UsageCase{"ServiceCentrePlusAlone", {"encode", "--to", "123", "--smsc", "+", "Hi"}, "--smsc"},
         UsageCase{"DestinationTooLong", {"encode", "--to", "123456789012345678901", "--smsc", "4", "Hi"}, "--to"},
         UsageCase{"UnknownCoding", encode_with({"--coding", "latin1", "Hi"}), "smsutil: --coding must be auto, gsm7 or ucs2"},
         UsageCase{"CodingByNumber", encode_with({"--coding", "1", "Hi"}), "--coding must be auto, gsm7 or ucs2"},
-        UsageCase{"UnknownLanguage", encode_with({"--lang", "klingon", "Hi"}), "--lang must be none, turkish or spanish"},
+        UsageCase{"UnknownLanguage", encode_with({"--lang", "klingon", "Hi"}), "--lang must be auto, none, turkish, spanish or portuguese"},
         UsageCase{"ValidityUnderAMinute", encode_with({"--validity", "59", "Hi"}),
                   "--validity must be a whole number from 60 to 31103999"},
         UsageCase{"ValidityOf360Days", encode_with({"--validity", "31104000", "Hi"}), "--validity must be"},
@@ -237,6 +297,10 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"ReferenceAbove255", encode_with({"--ref", "256", "Hi"}), "--ref must be a whole number from 0 to 255"},
         UsageCase{"ReferenceEmpty", encode_with({"--ref", "", "Hi"}), "--ref must be"},
         UsageCase{"TwoTexts", encode_with({"Hi", "there"}), "there"},
+        UsageCase{"CodingMeansGateway", {"encode", "--to", "1", "--coding", "ucs2", "Hi"}, "--smsc is required"},
+        UsageCase{"PortugueseThroughGateway", encode_with({"--gateway", "--lang", "portuguese", "Hi"}), "--lang with --gateway"},
+        UsageCase{"MaxPartsThroughGateway", encode_with({"--gateway", "--max-parts", "2", "Hi"}), "--max-parts does not work"},
+        UsageCase{"MaxPartsZero", encode_with({"--max-parts", "0", "Hi"}), "--max-parts must be a whole number from 1 to 255"},
         UsageCase{"SplitUnknownCoding", {"split", "--coding", "x", "Hi"}, "--coding must be auto, gsm7 or ucs2"}),
     [](const auto& info) { return std::string(info.param.name); });
 

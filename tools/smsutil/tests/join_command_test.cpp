@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "run_tool.hpp"
@@ -48,6 +49,27 @@ TEST(Join, ShuffledRepeatedPartsJoinAndAMissingPartIsNamed) {
     EXPECT_EQ(lines[1]["reason"], "pending");
     EXPECT_EQ(lines[1]["missing"], json::array({2}));
     EXPECT_NE(lines[1]["address"], lines[0]["address"]);
+}
+
+// Pasted modem output joins like bare PDU lines, by either decoder; only
+// the standards-true one knows the time stamp's offset.
+TEST(Join, ModemOutputThroughEitherDecoder) {
+    std::string pasted = "AT+CMGL=4\r\n";
+    for (const auto& part : long_message_parts()) {
+        pasted += "+CMGL: 1,1,," + std::to_string(part.size() / 2 - 9) + "\r\n" + part + "\r\n";
+    }
+    pasted += "OK\r\n";
+    for (const auto& [option, timestamp] : {std::pair<std::string, std::string>{"", "2026-11-22T23:30:01+01:00"},
+                                            {"--gateway", "2026-11-22T23:30:01"}}) {
+        std::vector<std::string> args{"join"};
+        if (!option.empty()) args.push_back(option);
+        const ToolRun run = run_in_process(args, pasted);
+        EXPECT_EQ(run.status, 0) << run.out;
+        const auto lines = json_lines(run.out);
+        ASSERT_EQ(lines.size(), 1U) << run.out;
+        EXPECT_EQ(lines[0]["text"], decoded_text()) << option;
+        EXPECT_EQ(lines[0]["timestamp"], timestamp) << option;
+    }
 }
 
 TEST(Join, PartsArriveOverSeveralRuns) {
