@@ -3,7 +3,7 @@
 # As root it runs apt-get; otherwise it prints the exact command to run.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ clang libclang-rt-14-dev binutils gcovr
+packages=(cmake ninja-build g++ clang clang-format libclang-rt-14-dev binutils gcovr
           libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev)
 if [[ "${1:-}" == "--with-arm" ]]; then
     packages+=(g++-arm-linux-gnueabihf qemu-user)

@@ -106,9 +106,9 @@ INSTANTIATE_TEST_SUITE_P(Cases, EmojiTexts,
                              EmojiTextCase{"FourPartsOfPairs", repeat(kGrinning, 132), 4}),
                          [](const auto &info) { return std::string(info.param.name); });
 
-TEST(EmojiTexts, MoreThanFourPartsIsAnError)
+TEST(EmojiTexts, MoreThanFourGatewayPartsIsAnError)
 {
-    const ToolRun run = run_tool({"encode", "--to", kTo, "--smsc", kSmsc, repeat(kGrinning, 133)});
+    const ToolRun run = run_tool({"encode", "--gateway", "--to", kTo, "--smsc", kSmsc, repeat(kGrinning, 133)});
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.out.find("needs 5 parts of up to 67 UCS-2 units, more than the limit of 4"), std::string::npos)
         << run.out;
