@@ -163,16 +163,22 @@ std::string text_mixed_160()
 {
     // 16 characters, ten times: ASCII, Latin-1 letters of the main row and
     // the euro sign and brackets of the extension row.
-    return repeat("Caf\xC3\xA9 \xC3\xBC" "ber 5\xE2\x82\xAC [ok]", 10);
+    return repeat(
+        "Caf\xC3\xA9 \xC3\xBC"
+        "ber 5\xE2\x82\xAC [ok]",
+        10);
 }
 
 std::string text_turkish_382()
 {
     // 62 characters, six times, and a greeting: 382 characters, 43 of them
     // letters the default alphabet lacks.
-    return repeat("G\xC3\xBCnayd\xC4\xB1n! Bug\xC3\xBCn hava \xC3\xA7ok g\xC3\xBCzel; ak\xC5\x9F" "am "
-                  "yeme\xC4\x9Finde bulu\xC5\x9F" "al\xC4\xB1m m\xC4\xB1? ",
-                  6) +
+    return repeat(
+               "G\xC3\xBCnayd\xC4\xB1n! Bug\xC3\xBCn hava \xC3\xA7ok g\xC3\xBCzel; ak\xC5\x9F"
+               "am "
+               "yeme\xC4\x9Finde bulu\xC5\x9F"
+               "al\xC4\xB1m m\xC4\xB1? ",
+               6) +
            "G\xC3\xB6r\xC3\xBC\xC5\x9F\xC3\xBCr\xC3\xBCz.";
 }
 
@@ -204,8 +210,8 @@ wms_raw_tpdu raw_cdma_bearer_data()
 {
     wms_cdma_bearer_data bd;
     std::memset(&bd, 0, sizeof bd);
-    bd.mask = WMS_MASK_BD_MSG_ID | WMS_MASK_BD_USER_DATA | WMS_MASK_BD_MC_TIME | WMS_MASK_BD_PRIORITY |
-              WMS_MASK_BD_CALLBACK;
+    bd.mask =
+        WMS_MASK_BD_MSG_ID | WMS_MASK_BD_USER_DATA | WMS_MASK_BD_MC_TIME | WMS_MASK_BD_PRIORITY | WMS_MASK_BD_CALLBACK;
     bd.message_id.type = 1;
     bd.message_id.id_number = 0x1234;
     bd.user_data.encoding = WMS_ENCODING_ASCII;

@@ -14,14 +14,14 @@
 namespace smsutil::bench {
 
 // Stored PDUs as the modem reports them (received, state 1).
-SmsReadPdu read_gsm7_160();        // one DELIVER of 160 septets
-SmsReadPdu read_ucs2_70();         // one DELIVER of 70 UCS-2 characters
-SmsReadPdu read_concat_part();     // part 2 of 3 with an 8-bit reference, 153 septets
-SmsReadPdu read_status_report();   // a STATUS-REPORT
+SmsReadPdu read_gsm7_160();       // one DELIVER of 160 septets
+SmsReadPdu read_ucs2_70();        // one DELIVER of 70 UCS-2 characters
+SmsReadPdu read_concat_part();    // part 2 of 3 with an 8-bit reference, 153 septets
+SmsReadPdu read_status_report();  // a STATUS-REPORT
 
 // Single packs ready for ComposeSms.
-SmsMessage compose_gsm7_160();     // 160 GSM codes
-SmsMessage compose_ucs2_70();      // 70 three-byte UTF-8 characters
+SmsMessage compose_gsm7_160();  // 160 GSM codes
+SmsMessage compose_ucs2_70();   // 70 three-byte UTF-8 characters
 
 // Texts of 600 characters: plain ASCII, and three-byte UTF-8 characters.
 std::string text_ascii_600();

@@ -33,8 +33,7 @@ void split_pack(benchmark::State &state, std::string (*make)(), int32_t pack_cod
     const std::string text = make();
     SmsPack packs[SMS_MAX_PACKS];
     measure(state, "sms_util_split_pack gave an unexpected pack count", [&] {
-        return sms_util_split_pack(text.c_str(), static_cast<int32_t>(text.size()), pack_coding, 0, packs) ==
-               expected;
+        return sms_util_split_pack(text.c_str(), static_cast<int32_t>(text.size()), pack_coding, 0, packs) == expected;
     });
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
 }

@@ -117,8 +117,8 @@ const Entry kEntries[] = {
      }},
     {"split_ucs2_268",
      [] {
-         return sms_util_split_pack(g_in->cjk_268.c_str(), static_cast<int32_t>(g_in->cjk_268.size()), 0, 0,
-                                    g_packs) == 4;
+         return sms_util_split_pack(g_in->cjk_268.c_str(), static_cast<int32_t>(g_in->cjk_268.size()), 0, 0, g_packs) ==
+                4;
      }},
     {"utf8_to_7bit",
      [] {

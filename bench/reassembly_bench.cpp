@@ -38,7 +38,7 @@ void reassembly_add_part(benchmark::State &state)
     std::vector<uint64_t> storage(sms_reasm_storage_size(&config) / 8 + 1);
     sms_reasm_store *store = nullptr;
     sms_reasm_init(&store, storage.data(), storage.size() * 8, &config);
-    const std::string text(153, 'x'); // a full 7-bit part
+    const std::string text(153, 'x');  // a full 7-bit part
     for (uint32_t k = 0; k < pending; ++k) {
         const sms_reasm_part first = part_of("+4670" + std::to_string(k), 1, text);
         sms_reasm_add(store, &first, 0, nullptr);
@@ -56,9 +56,9 @@ void reassembly_add_part(benchmark::State &state)
                sms_reasm_add(store, &parts[0], 0, &out) == SMS_REASM_STORED &&
                sms_reasm_add(store, &parts[2], 0, &out) == SMS_REASM_COMPLETE;
     });
-    state.counters["per_part"] = benchmark::Counter(4, benchmark::Counter::kIsIterationInvariantRate |
-                                                           benchmark::Counter::kInvert);
+    state.counters["per_part"] =
+        benchmark::Counter(4, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(reassembly_add_part)->Arg(1)->Arg(64)->Arg(1024);
 
-} // namespace
+}  // namespace

@@ -23,9 +23,8 @@ void xml_get_node_or_attr(benchmark::State &state)
 {
     const std::string path = write_feature_file();
     char value[64];
-    measure(state, "NDL_XML_GetNodeOrAttr did not find the setting", [&] {
-        return NDL_XML_GetNodeOrAttr(path.c_str(), kFeatureKey, value) == 0 && value[0] == '1';
-    });
+    measure(state, "NDL_XML_GetNodeOrAttr did not find the setting",
+            [&] { return NDL_XML_GetNodeOrAttr(path.c_str(), kFeatureKey, value) == 0 && value[0] == '1'; });
 }
 BENCHMARK(xml_get_node_or_attr)->Unit(benchmark::kMicrosecond);
 

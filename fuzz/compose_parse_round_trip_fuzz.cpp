@@ -73,8 +73,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
     const fuzzin::TwoTexts first = fuzzin::split_at_nul(in.rest(), in.rest_size());
     copy_text(msg.szAddress, sizeof msg.szAddress, first.first);
     const std::size_t used = first.first.size();
-    const fuzzin::TwoTexts second =
-        fuzzin::split_at_nul(in.rest() + std::min(used, in.rest_size()), in.rest_size() - std::min(used, in.rest_size()));
+    const fuzzin::TwoTexts second = fuzzin::split_at_nul(in.rest() + std::min(used, in.rest_size()),
+                                                         in.rest_size() - std::min(used, in.rest_size()));
     copy_text(msg.sca, sizeof msg.sca, second.first);
     const std::vector<char> &text = second.second;
     if (msg.sms_content_code == SMS_CONTENT_7BIT) {

@@ -18,8 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
         FUZZ_CHECK(wms_ts_decode_CDMA_bd(&other, &again) == rc);
         FUZZ_CHECK(std::memcmp(&bd, &again, sizeof bd) == 0);
     }
-    FUZZ_CHECK(rc == WMS_TS_STATUS_OK || rc == WMS_TS_STATUS_BAD_ADDRESS ||
-               rc == WMS_TS_STATUS_BAD_USER_DATA_LENGTH || rc == WMS_TS_STATUS_BAD_IS91EP_TYPE);
+    FUZZ_CHECK(rc == WMS_TS_STATUS_OK || rc == WMS_TS_STATUS_BAD_ADDRESS || rc == WMS_TS_STATUS_BAD_USER_DATA_LENGTH ||
+               rc == WMS_TS_STATUS_BAD_IS91EP_TYPE);
     if (rc == WMS_TS_STATUS_OK) {
         FUZZ_CHECK(bd.user_data.data_len <= WMS_CDMA_USER_DATA_MAX);
         FUZZ_CHECK(bd.callback.number_of_digits <= WMS_CDMA_CALLBACK_MAX_DIGITS);

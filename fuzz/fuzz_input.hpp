@@ -100,8 +100,8 @@ inline TwoTexts split_at_nul(const uint8_t *src, std::size_t size)
     std::fprintf(stderr, "invariant broken: %s\n", what);
     std::abort();
 }
-#define FUZZ_CHECK(cond)                                             \
-    do {                                                             \
+#define FUZZ_CHECK(cond)                                                  \
+    do {                                                                  \
         if (!(cond)) ::fuzzin::invariant_failed(#cond " (" __FILE__ ")"); \
     } while (0)
 

@@ -22,11 +22,16 @@ bool well_formed(const uint8_t *s, std::size_t n)
         const uint8_t b = s[i];
         std::size_t len = 0;
         uint8_t lo = 0x80, hi = 0xBF;
-        if (b < 0x80) len = 1;
-        else if (b >= 0xC2 && b <= 0xDF) len = 2;
-        else if (b >= 0xE0 && b <= 0xEF) len = 3, lo = b == 0xE0 ? 0xA0 : 0x80, hi = b == 0xED ? 0x9F : 0xBF;
-        else if (b >= 0xF0 && b <= 0xF4) len = 4, lo = b == 0xF0 ? 0x90 : 0x80, hi = b == 0xF4 ? 0x8F : 0xBF;
-        else return false;
+        if (b < 0x80)
+            len = 1;
+        else if (b >= 0xC2 && b <= 0xDF)
+            len = 2;
+        else if (b >= 0xE0 && b <= 0xEF)
+            len = 3, lo = b == 0xE0 ? 0xA0 : 0x80, hi = b == 0xED ? 0x9F : 0xBF;
+        else if (b >= 0xF0 && b <= 0xF4)
+            len = 4, lo = b == 0xF0 ? 0x90 : 0x80, hi = b == 0xF4 ? 0x8F : 0xBF;
+        else
+            return false;
         if (n - i < len) return false;
         for (std::size_t k = 1; k < len; ++k) {
             const uint8_t c = s[i + k];
@@ -75,10 +80,11 @@ std::string read_part(const sms_pdu_part &p, const sms_pdu_encode_options &o, st
     FUZZ_CHECK(p.hex[2 * p.length] == '\0');
     std::size_t pos = 1u + q[0];
     const uint8_t first = q[pos++];
-    FUZZ_CHECK((first & 3) == 1 && (first >> 3 & 3) == o.validity.format && (first >> 5 & 1) == o.status_report_request);
-    FUZZ_CHECK(q[pos++] == 0);                     // TP-MR
-    pos += 2 + (q[pos] + 1u) / 2;                  // TP-DA
-    FUZZ_CHECK(q[pos++] == 0);                     // TP-PID
+    FUZZ_CHECK((first & 3) == 1 && (first >> 3 & 3) == o.validity.format &&
+               (first >> 5 & 1) == o.status_report_request);
+    FUZZ_CHECK(q[pos++] == 0);     // TP-MR
+    pos += 2 + (q[pos] + 1u) / 2;  // TP-DA
+    FUZZ_CHECK(q[pos++] == 0);     // TP-PID
     const uint8_t dcs = q[pos++];
     const bool ucs2 = p.alphabet == SMS_PDU_ALPHABET_UCS2;
     FUZZ_CHECK(dcs == ((ucs2 ? 0x08 : 0) | (o.has_message_class ? 0x10 | o.message_class : 0)));
@@ -193,8 +199,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
                    p.single_language == parts[0].single_language);
         FUZZ_CHECK(p.text_offset == whole.size() && (count == 1 || p.text_length != 0));
         const std::string back = read_part(p, o, i, count);
-        FUZZ_CHECK(back.size() == p.text_length && back.compare(0, back.size(), text.text() + p.text_offset,
-                                                                p.text_length) == 0);
+        FUZZ_CHECK(back.size() == p.text_length &&
+                   back.compare(0, back.size(), text.text() + p.text_offset, p.text_length) == 0);
         whole += back;
     }
     FUZZ_CHECK(whole.size() == text.size());

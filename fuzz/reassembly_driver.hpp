@@ -32,16 +32,16 @@ struct Bounds {
 struct Pending {
     std::set<unsigned> numbers;
     uint32_t bytes = 0;
-    uint64_t first = 0;   // clock at the first part
-    unsigned arrival = 0; // order of arrival
+    uint64_t first = 0;    // clock at the first part
+    unsigned arrival = 0;  // order of arrival
 };
 
 class Driver {
 public:
     explicit Driver(Bounds bounds) : bounds_(bounds)
     {
-        config_ = {bounds.max_messages, bounds.max_parts, bounds.max_text_bytes, bounds.timeout, &Driver::on_handover,
-                   this};
+        config_ = {bounds.max_messages, bounds.max_parts,     bounds.max_text_bytes,
+                   bounds.timeout,      &Driver::on_handover, this};
         storage_.resize(sms_reasm_storage_size(&config_) / 8 + 1);
         fresh_store();
     }
@@ -91,8 +91,8 @@ private:
             self->fail("a handed-over message does not add up to its total");
         }
         self->count_out(*message, self->handed_parts_, self->handed_bytes_);
-        const std::string key = key_of(message->kind, message->reference_bits, message->reference, message->total,
-                                       message->address);
+        const std::string key =
+            key_of(message->kind, message->reference_bits, message->reference, message->total, message->address);
         const auto found = self->model_.find(key);
         if (found == self->model_.end() || found->second.numbers.size() != message->part_count) {
             self->fail("handed over a message the model does not hold");
@@ -218,7 +218,8 @@ private:
             out.text_capacity = sizeof large;
             result = sms_reasm_add(store_, &part, now_, &out);
         }
-        if (result != expected) fail("answered " + std::to_string(result) + " where " + std::to_string(expected) + " was due");
+        if (result != expected)
+            fail("answered " + std::to_string(result) + " where " + std::to_string(expected) + " was due");
         if (!new_entry_.first.empty()) model_.insert(new_entry_);
         new_entry_ = std::pair<std::string, Pending>();
         switch (result) {
@@ -302,7 +303,7 @@ private:
 
     Bounds bounds_;
     sms_reasm_config config_{};
-    std::vector<uint64_t> storage_; // 8-byte aligned
+    std::vector<uint64_t> storage_;  // 8-byte aligned
     sms_reasm_store *store_ = nullptr;
     const uint8_t *data_ = nullptr;
     std::size_t size_ = 0, pos_ = 0;
@@ -316,4 +317,4 @@ private:
     unsigned arrivals_ = 0;
 };
 
-} // namespace reassembly_driver
+}  // namespace reassembly_driver

@@ -64,8 +64,13 @@ wms_address address_of(const char *digits, uint8_t type)
 
 wms_timestamp time_of(uint8_t y, uint8_t mo, uint8_t d, uint8_t h, uint8_t mi, uint8_t s)
 {
-    return wms_timestamp{wms_ts_int_to_bcd(y), wms_ts_int_to_bcd(mo), wms_ts_int_to_bcd(d),
-                         wms_ts_int_to_bcd(h), wms_ts_int_to_bcd(mi), wms_ts_int_to_bcd(s), 8};
+    return wms_timestamp{wms_ts_int_to_bcd(y),
+                         wms_ts_int_to_bcd(mo),
+                         wms_ts_int_to_bcd(d),
+                         wms_ts_int_to_bcd(h),
+                         wms_ts_int_to_bcd(mi),
+                         wms_ts_int_to_bcd(s),
+                         8};
 }
 
 // User data variants: 7-bit text, a concatenation header, UCS-2, 8-bit.
@@ -137,7 +142,8 @@ std::vector<Octets> submit_tpdus()
         s.address = address_of("12345", WMS_NUMBER_UNKNOWN);
         s.dcs = v.dcs;
         s.validity.format = static_cast<uint8_t>(i % 4);  // none, enhanced, relative, absolute
-        s.validity.time = s.validity.format == WMS_VP_ABSOLUTE ? time_of(25, 12, 31, 23, 59, 59) : time_of(0, 0, 1, 2, 0, 0);
+        s.validity.time =
+            s.validity.format == WMS_VP_ABSOLUTE ? time_of(25, 12, 31, 23, 59, 59) : time_of(0, 0, 1, 2, 0, 0);
         s.user_data = v.ud;
         s.user_data_header_present = v.ud.num_headers != 0;
         s.status_report_request = 1;
@@ -215,8 +221,8 @@ void user_data_seeds()
         uint8_t dcs = 0;
         wms_ts_encode_dcs(&v.dcs, &dcs);
         if (n == 0) continue;
-        write_seed("decode_gw_user_data_fuzz", concat({{dcs, ud[0], static_cast<uint8_t>(v.ud.num_headers != 0)},
-                                                      Octets(ud + 1, ud + n)}));
+        write_seed("decode_gw_user_data_fuzz",
+                   concat({{dcs, ud[0], static_cast<uint8_t>(v.ud.num_headers != 0)}, Octets(ud + 1, ud + n)}));
         if (v.ud.num_headers != 0) {
             uint8_t h[WMS_MAX_LEN];
             const uint8_t udhl = wms_ts_encode_user_data_header(v.ud.num_headers, v.ud.headers, h);
@@ -340,19 +346,22 @@ void message_seeds()
         write_seed("split_pack_fuzz", concat({{0x01, 0x02}, text(t)}));
     }
     // Settings octets, mr, total, part, then address NUL service centre NUL text.
-    write_seed("compose_parse_round_trip_fuzz",
-               concat({{0x00, 0x07, 0x00, 0x00}, text("+491701234567"), {0}, text("+8613800100500"), {0},
-                       text(kTexts[3])}));
+    write_seed(
+        "compose_parse_round_trip_fuzz",
+        concat({{0x00, 0x07, 0x00, 0x00}, text("+491701234567"), {0}, text("+8613800100500"), {0}, text(kTexts[3])}));
     uint8_t codes[512];
     uint32_t n = 0;
     UTF8_TO_7BIT(kTexts[1], codes, sizeof codes, &n, 0);
-    write_seed("compose_parse_round_trip_fuzz",
-               concat({{0x13, 0x2A, 0x03, 0x02}, text("12345"), {0}, text("8613800100500"), {0},
-                       Octets(codes, codes + n)}));
+    write_seed(
+        "compose_parse_round_trip_fuzz",
+        concat({{0x13, 0x2A, 0x03, 0x02}, text("12345"), {0}, text("8613800100500"), {0}, Octets(codes, codes + n)}));
     UTF8_TO_7BIT(kTexts[2], codes, sizeof codes, &n, 2);
-    write_seed("compose_parse_round_trip_fuzz",
-               concat({{0x09, 0x01, 0x00, 0x00}, text("+34600111222"), {0}, text("+34600000000"), {0},
-                       Octets(codes, codes + n)}));
+    write_seed("compose_parse_round_trip_fuzz", concat({{0x09, 0x01, 0x00, 0x00},
+                                                        text("+34600111222"),
+                                                        {0},
+                                                        text("+34600000000"),
+                                                        {0},
+                                                        Octets(codes, codes + n)}));
 }
 
 // Documents written by the serializer from trees built node by node.
@@ -381,7 +390,8 @@ void xml_seeds()
     const Octets document = text(doc != nullptr ? doc : "");
     NDL_XML_FreeMem(doc);
 
-    const Octets handwritten = text("<?xml version=\"1.0\"?>\n<!-- c --><a b='1'><![CDATA[x<y]]>&#65;&amp;<c/></a><d/>");
+    const Octets handwritten =
+        text("<?xml version=\"1.0\"?>\n<!-- c --><a b='1'><![CDATA[x<y]]>&#65;&amp;<c/></a><d/>");
     for (const Octets &d : {document, handwritten}) {
         write_seed("xml_parse_fuzz", concat({{0x00}, d}));
         write_seed("xml_parse_fuzz", concat({{0x85}, d}));
@@ -391,8 +401,7 @@ void xml_seeds()
                             "configuration.FEATURE_SMS.item[id=7][name]", "configuration.FEATURE_SMS.item[id]"}) {
         write_seed("xml_get_node_or_attr_fuzz", concat({{0x20}, text(key), {0}, document}));
     }
-    for (const char *url : {"configuration.FEATURE_SMS.p:item.2", "configuration.FEATURE_SMS.lang_table",
-                            "a.c"}) {
+    for (const char *url : {"configuration.FEATURE_SMS.p:item.2", "configuration.FEATURE_SMS.lang_table", "a.c"}) {
         write_seed("xml_get_node_by_url_fuzz", concat({text(url), {0}, url[0] == 'a' ? handwritten : document}));
     }
 }

@@ -56,9 +56,9 @@ INSTANTIATE_TEST_SUITE_P(
                       // An empty separator is found where the scan stands: each
                       // character ends an empty receiver and the scan moves on by one.
                       ReceiverCase{"empty_separator_matches_everywhere", "123", {"", "", ""}, ""},
-                      ReceiverCase{"twenty_of_25", k25.c_str(),
-                                   {"100", "101", "102", "103", "104", "105", "106", "107", "108", "109",
-                                    "110", "111", "112", "113", "114", "115", "116", "117", "118", "119"}}),
+                      ReceiverCase{"twenty_of_25", k25.c_str(), {"100", "101", "102", "103", "104", "105", "106",
+                                                                 "107", "108", "109", "110", "111", "112", "113",
+                                                                 "114", "115", "116", "117", "118", "119"}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(ParseReceiverNulls, GiveZero)
@@ -125,7 +125,10 @@ TEST_P(ComposeScAddress, GivesTheOctetsThatPrefixAPdu)
 
 INSTANTIATE_TEST_SUITE_P(Numbers, ComposeScAddress,
                          ::testing::Values(ScCase{"international", "+8612345678901", "0891682143658709f1", 1},
-                                           ScCase{"national_even", "1234", "038121" "43", 0},
+                                           ScCase{"national_even", "1234",
+                                                  "038121"
+                                                  "43",
+                                                  0},
                                            ScCase{"empty", "", "0181", 0},
                                            ScCase{"twenty_digits", "12345678901234567890",
                                                   "0b812143658709214365870"
@@ -207,7 +210,9 @@ INSTANTIATE_TEST_SUITE_P(Addresses, ParseCentreNum,
                                            CentreCase{"A1682143658709f1", 0, "8612345678901"},
                                            CentreCase{"81", -1, "", "src len is[0]"}, CentreCase{"8", -1, ""},
                                            // too long for a number: the log gives the whole length, not a cap
-                                           CentreCase{"81" "1234567890123456789012", -1, "", "src len is[22]"},
+                                           CentreCase{"81"
+                                                      "1234567890123456789012",
+                                                      -1, "", "src len is[22]"},
                                            CentreCase{"", -1, ""}),
                          [](const auto &info) { return "case_" + std::to_string(info.index); });
 
@@ -260,8 +265,7 @@ INSTANTIATE_TEST_SUITE_P(
         DialCase{"largest_maximum", "12345", 0, "EWCheckDialNum function run successfully!", UINT32_MAX},
         DialCase{"largest_maximum_empty", "", -1,
                  "The EWCheckDialNum pszDialNum's length is 0 or out of the max length!", UINT32_MAX},
-        DialCase{"maximum_zero", "1", -1, "The EWCheckDialNum pszDialNum's length is 0 or out of the max length!",
-                 0}),
+        DialCase{"maximum_zero", "1", -1, "The EWCheckDialNum pszDialNum's length is 0 or out of the max length!", 0}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(DialNumberBounds, ReadsNoFurtherThanOnePastTheLimit)
@@ -321,16 +325,17 @@ TEST_P(SwitchStatus, MapsTpStatusGroups)
     ASSERT_EQ(SwitchReportStatus(GetParam().tp_status, &tag), 0);
     EXPECT_EQ(tag, GetParam().state);
 }
-INSTANTIATE_TEST_SUITE_P(
-    Values, SwitchStatus,
-    ::testing::Values(StatusCase{0x00, SMS_STATUS_DELIVERED}, StatusCase{0x01, SMS_STATUS_COMPLETED},
-                      StatusCase{0x02, SMS_STATUS_REPLACED}, StatusCase{0x03, SMS_STATUS_COMPLETED},
-                      StatusCase{0x1F, SMS_STATUS_COMPLETED}, StatusCase{0x20, SMS_STATUS_PENDING},
-                      StatusCase{0x3F, SMS_STATUS_PENDING}, StatusCase{0x40, SMS_STATUS_FAILED},
-                      StatusCase{0x5F, SMS_STATUS_FAILED}, StatusCase{0x60, SMS_STATUS_STOPPED},
-                      StatusCase{0x7F, SMS_STATUS_STOPPED}, StatusCase{0xFF, SMS_STATUS_STOPPED},
-                      StatusCase{0x100, SMS_STATUS_STOPPED}),
-    [](const auto &info) { return "status_" + std::to_string(info.param.tp_status); });
+INSTANTIATE_TEST_SUITE_P(Values, SwitchStatus,
+                         ::testing::Values(StatusCase{0x00, SMS_STATUS_DELIVERED},
+                                           StatusCase{0x01, SMS_STATUS_COMPLETED},
+                                           StatusCase{0x02, SMS_STATUS_REPLACED},
+                                           StatusCase{0x03, SMS_STATUS_COMPLETED},
+                                           StatusCase{0x1F, SMS_STATUS_COMPLETED}, StatusCase{0x20, SMS_STATUS_PENDING},
+                                           StatusCase{0x3F, SMS_STATUS_PENDING}, StatusCase{0x40, SMS_STATUS_FAILED},
+                                           StatusCase{0x5F, SMS_STATUS_FAILED}, StatusCase{0x60, SMS_STATUS_STOPPED},
+                                           StatusCase{0x7F, SMS_STATUS_STOPPED}, StatusCase{0xFF, SMS_STATUS_STOPPED},
+                                           StatusCase{0x100, SMS_STATUS_STOPPED}),
+                         [](const auto &info) { return "status_" + std::to_string(info.param.tp_status); });
 
 struct TimeCase {
     const char *name;
@@ -352,26 +357,48 @@ TEST_P(DecomposeTime, ChecksEachFieldInOrder)
     EXPECT_TRUE(logged(GetParam().message)) << log_text();
 #endif
 }
-INSTANTIATE_TEST_SUITE_P(
-    Stamps, DecomposeTime,
-    ::testing::Values(
-        TimeCase{"year_95", {0x95, 0x12, 0x31, 0x23, 0x59, 0x59, 0}, 0, 2095,
-                 "DecomposeReadMsgTime function run successfully!"},
-        TimeCase{"year_00", {0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0}, 0, 2000,
-                 "DecomposeReadMsgTime function run successfully!"},
-        TimeCase{"year_99", {0x99, 0x01, 0x01, 0x00, 0x00, 0x00, 0}, -1, 0,
-                 "The year parsed in DecomposeReadMsgTime function is illegal!"},
-        TimeCase{"bad_hour_first", {0xAA, 0xAA, 0x01, 0x1A, 0xAA, 0xAA, 0}, -1, 0,
-                 "DecomposeReadMsgTime function parses hour unsuccessfully!"},
-        TimeCase{"bad_month_after_minute", {0x24, 0x1F, 0x01, 0x01, 0x01, 0x01, 0}, -1, 0,
-                 "DecomposeReadMsgTime function parses month unsuccessfully!"},
-        TimeCase{"bad_day", {0x24, 0x01, 0xF1, 0x01, 0x01, 0x01, 0}, -1, 0,
-                 "DecomposeReadMsgTime function parses day unsuccessfully!"},
-        TimeCase{"bad_second", {0x24, 0x01, 0x01, 0x01, 0x01, 0x0B, 0}, -1, 0,
-                 "DecomposeReadMsgTime function parses second unsuccessfully!"},
-        TimeCase{"bad_year", {0xB0, 0x01, 0x01, 0x01, 0x01, 0x01, 0}, -1, 0,
-                 "DecomposeReadMsgTime function parses year unsuccessfully!"}),
-    [](const auto &info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Stamps, DecomposeTime,
+                         ::testing::Values(TimeCase{"year_95",
+                                                    {0x95, 0x12, 0x31, 0x23, 0x59, 0x59, 0},
+                                                    0,
+                                                    2095,
+                                                    "DecomposeReadMsgTime function run successfully!"},
+                                           TimeCase{"year_00",
+                                                    {0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0},
+                                                    0,
+                                                    2000,
+                                                    "DecomposeReadMsgTime function run successfully!"},
+                                           TimeCase{"year_99",
+                                                    {0x99, 0x01, 0x01, 0x00, 0x00, 0x00, 0},
+                                                    -1,
+                                                    0,
+                                                    "The year parsed in DecomposeReadMsgTime function is illegal!"},
+                                           TimeCase{"bad_hour_first",
+                                                    {0xAA, 0xAA, 0x01, 0x1A, 0xAA, 0xAA, 0},
+                                                    -1,
+                                                    0,
+                                                    "DecomposeReadMsgTime function parses hour unsuccessfully!"},
+                                           TimeCase{"bad_month_after_minute",
+                                                    {0x24, 0x1F, 0x01, 0x01, 0x01, 0x01, 0},
+                                                    -1,
+                                                    0,
+                                                    "DecomposeReadMsgTime function parses month unsuccessfully!"},
+                                           TimeCase{"bad_day",
+                                                    {0x24, 0x01, 0xF1, 0x01, 0x01, 0x01, 0},
+                                                    -1,
+                                                    0,
+                                                    "DecomposeReadMsgTime function parses day unsuccessfully!"},
+                                           TimeCase{"bad_second",
+                                                    {0x24, 0x01, 0x01, 0x01, 0x01, 0x0B, 0},
+                                                    -1,
+                                                    0,
+                                                    "DecomposeReadMsgTime function parses second unsuccessfully!"},
+                                           TimeCase{"bad_year",
+                                                    {0xB0, 0x01, 0x01, 0x01, 0x01, 0x01, 0},
+                                                    -1,
+                                                    0,
+                                                    "DecomposeReadMsgTime function parses year unsuccessfully!"}),
+                         [](const auto &info) { return std::string(info.param.name); });
 
 TEST(SwitchStatusNull, Refused) { EXPECT_EQ(SwitchReportStatus(0, nullptr), -1); }
 
@@ -469,13 +496,14 @@ TEST_P(SmsLogText, WritesWholeLines)
 }
 INSTANTIATE_TEST_SUITE_P(
     Lines, SmsLogText,
-    ::testing::Values(
-        LogCase{"newline_only_when_missing", {"no newline", "has newline\n", "double\n\n"},
-                "no newline\nhas newline\ndouble\n\n", 31},
-        LogCase{"full_line_of_2047", {std::string(2047, 'x')}, std::string(2047, 'x') + "\n", 2048},
-        LogCase{"longer_cut_at_2047", {std::string(3000, 'y')}, std::string(2047, 'y') + "\n", 2048},
-        LogCase{"empty_writes_nothing", {""}, "", 0},
-        LogCase{"arguments_not_interpreted_twice", {"100%s %d %n"}, "100%s %d %n\n", 12}),
+    ::testing::Values(LogCase{"newline_only_when_missing",
+                              {"no newline", "has newline\n", "double\n\n"},
+                              "no newline\nhas newline\ndouble\n\n",
+                              31},
+                      LogCase{"full_line_of_2047", {std::string(2047, 'x')}, std::string(2047, 'x') + "\n", 2048},
+                      LogCase{"longer_cut_at_2047", {std::string(3000, 'y')}, std::string(2047, 'y') + "\n", 2048},
+                      LogCase{"empty_writes_nothing", {""}, "", 0},
+                      LogCase{"arguments_not_interpreted_twice", {"100%s %d %n"}, "100%s %d %n\n", 12}),
     [](const auto &info) { return std::string(info.param.name); });
 
 struct LevelCase {
@@ -530,7 +558,11 @@ TEST_F(SmsLog, ExactlyTheCapacityStillAppends)
 TEST_F(SmsLog, LineOverCapacityEmptiesFileAndBecomesFirstLine)
 {
     // The file held something before this process wrote: it is emptied too.
-    { std::FILE *f = std::fopen(path_.c_str(), "w"); std::fputs("old\n", f); std::fclose(f); }
+    {
+        std::FILE *f = std::fopen(path_.c_str(), "w");
+        std::fputs("old\n", f);
+        std::fclose(f);
+    }
     fill_to(path_, 32768);
     _smslog(path_.c_str(), 1, "%s", "overflow");
     EXPECT_EQ(contents(), "overflow\n");

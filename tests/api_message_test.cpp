@@ -31,7 +31,8 @@ protected:
     std::string fields() const
     {
         char text[1200];
-        std::snprintf(text, sizeof text, "%u %u %s %s [%s] %u code %u %04u-%02u-%02u %02u:%02u:%02u part %u %X %u/%u report %u %u",
+        std::snprintf(text, sizeof text,
+                      "%u %u %s %s [%s] %u code %u %04u-%02u-%02u %02u:%02u:%02u part %u %X %u/%u report %u %u",
                       out_.index, out_.state, out_.sca, out_.szAddress, out_.content, out_.byContentLen,
                       out_.sms_content_code, out_.wYear, out_.byMonth, out_.byDay, out_.byHour, out_.byMinute,
                       out_.bySecond, out_.sms_flag_type, out_.mr, out_.btPack, out_.btTotalPack, out_.byStatusReport,
@@ -70,16 +71,29 @@ INSTANTIATE_TEST_SUITE_P(
         Parsed{"seven_bit", HI_DELIVER, 1,
                "7 1 +8612345678901 12345 [hi] 2 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
         // U+4F60 U+597D; lowercase hex is accepted as well.
-        Parsed{"ucs2_becomes_utf8", "0891682143658709f10405812143f50008425060708090230" "44f60597d", 0,
-               "7 0 +8612345678901 12345 [\xE4\xBD\xA0\xE5\xA5\xBD] 6 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
-        Parsed{"eight_bit_keeps_wire_order", SC "0405812143F500044250607080902304" "41424344", 1,
-               "7 1 +8612345678901 12345 [ABCD] 4 code 2 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
+        Parsed{
+            "ucs2_becomes_utf8",
+            "0891682143658709f10405812143f50008425060708090230"
+            "44f60597d",
+            0,
+            "7 0 +8612345678901 12345 [\xE4\xBD\xA0\xE5\xA5\xBD] 6 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
+        Parsed{"eight_bit_keeps_wire_order",
+               SC "0405812143F500044250607080902304"
+                  "41424344",
+               1, "7 1 +8612345678901 12345 [ABCD] 4 code 2 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"},
         // The report's time is the discharge time.
-        Parsed{"report_without_user_data", SC "062A0581214" "3F5425060708090234250607180902300", 1,
-               "7 1 +8612345678901 12345 [] 0 code 1 2024-05-06 17:08:09 part 0 0 0/0 report 1 0"},
+        Parsed{"report_without_user_data",
+               SC "062A0581214"
+                  "3F5425060708090234250607180902300",
+               1, "7 1 +8612345678901 12345 [] 0 code 1 2024-05-06 17:08:09 part 0 0 0/0 report 1 0"},
         // TP-PI 04: only TP-UDL follows; no DCS means the default alphabet.
-        Parsed{"report_failed_with_text", SC "062A0581214" "3F54250607080902342506071809023" "40" "04" "02E834", 1,
-               "7 1 +8612345678901 12345 [hi] 2 code 0 2024-05-06 17:08:09 part 0 0 0/0 report 1 4"},
+        Parsed{"report_failed_with_text",
+               SC "062A0581214"
+                  "3F54250607080902342506071809023"
+                  "40"
+                  "04"
+                  "02E834",
+               1, "7 1 +8612345678901 12345 [hi] 2 code 0 2024-05-06 17:08:09 part 0 0 0/0 report 1 4"},
         Parsed{"stored_submit", "0891682143658709f1110005812143f50000ff02e834", 3,
                "7 3 +8612345678901 12345 [hi] 2 code 0 0000-00-00 00:00:00 part 0 0 0/0 report 0 0"},
         Parsed{"concatenated_8bit_reference", SC "4405812143F50000425060708090800F0500032A0302E061391D44BFBF01", 1,
@@ -88,11 +102,17 @@ INSTANTIATE_TEST_SUITE_P(
                "7 1 +8612345678901 12345 [part two] 8 code 0 2024-05-06 07:08:09 part 1 1234 2/3 report 0 0"},
         // TP-UDL 3 is too short for the header: the part numbers are kept, the
         // header octets are never read as text.
-        Parsed{"header_past_udl", SC "440581214" "3F50000425060708090230" "3" "050003120301E832", 1,
-               "7 1 +8612345678901 12345 [] 0 code 0 2024-05-06 07:08:09 part 1 12 1/3 report 0 0"},
+        Parsed{"header_past_udl",
+               SC "440581214"
+                  "3F50000425060708090230"
+                  "3"
+                  "050003120301E832",
+               1, "7 1 +8612345678901 12345 [] 0 code 0 2024-05-06 07:08:09 part 1 12 1/3 report 0 0"},
         // ESC 0x47 is G breve in the Turkish single shift table only.
-        Parsed{"national_single_shift", SC "4405812143F500004250607080908007" "03240101D81C01", 1,
-               "7 1 +8612345678901 12345 [\xC4\x9E] 2 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"}),
+        Parsed{"national_single_shift",
+               SC "4405812143F500004250607080908007"
+                  "03240101D81C01",
+               1, "7 1 +8612345678901 12345 [\xC4\x9E] 2 code 0 2024-05-06 07:08:09 part 0 0 0/0 report 0 0"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 struct Refusal {
@@ -212,37 +232,47 @@ TEST_P(ComposeSmsPdu, GivesTheLowercasePdu)
 
 INSTANTIATE_TEST_SUITE_P(
     Messages, ComposeSmsPdu,
-    ::testing::Values(
-        Composed{"two_septets", [](SmsMessage &) {}, "0891682143658709f1110005812143f50000ff02e834"},
-        // '@' is septet 0: the count carries it.
-        Composed{"septet_zero", [](SmsMessage &m) { m.content[0] = 0x00; m.content[1] = 0x41; }, "0891682143658709f1110005812143f50000ff028020"},
-        Composed{"long_part",
-                 [](SmsMessage &m) {
-                     m.sms_flag_type = 1;
-                     m.btTotalPack = 3;
-                     m.btPack = 2;
-                     m.mr = 0x1234;
-                 },
-                 "0891682143658709f1513405812143f50000ff09050003340302d069"},
-        Composed{"part_outside_the_total_gives_no_header",
-                 [](SmsMessage &m) {
-                     m.sms_flag_type = 1;
-                     m.btTotalPack = 2;
-                     m.btPack = 3;
-                 },
-                 "0891682143658709f1110005812143f50000ff02e834"},
-        Composed{"national_single_shift", [](SmsMessage &m) { m.byteCoding = 1; }, "0891682143658709f1510005812143f50000ff070324010140a701"},
-        Composed{"status_report_request", [](SmsMessage &m) { m.dwStatusReportRequest = 1; }, "0891682143658709f1310005812143f50000ff02e834"},
-        Composed{"ucs2_high_octet_first",
-                 [](SmsMessage &m) {
-                     std::strcpy(m.content, "A\xE2\x82\xAC");  // A, euro sign
-                     m.sms_content_code = SMS_CONTENT_UCS2;
-                 },
-                 "0891682143658709f1110005812143f50008ff04004120ac"},
-        Composed{"empty_destination_and_centre", [](SmsMessage &m) { m.szAddress[0] = m.sca[0] = '\0'; }, "0181110000810000ff02e834"},
-        Composed{"validity_59_seconds", [](SmsMessage &m) { std::strcpy(m.szValidity, "59"); }, "0891682143658709f1110005812143f50000ff02e834"},
-        Composed{"validity_hour", [](SmsMessage &m) { std::strcpy(m.szValidity, "3600abc"); }, "0891682143658709f1110005812143f500000b02e834"},
-        Composed{"validity_day", [](SmsMessage &m) { std::strcpy(m.szValidity, "86400"); }, "0891682143658709f1110005812143f50000a702e834"}),
+    ::testing::Values(Composed{"two_septets", [](SmsMessage &) {}, "0891682143658709f1110005812143f50000ff02e834"},
+                      // '@' is septet 0: the count carries it.
+                      Composed{"septet_zero",
+                               [](SmsMessage &m) {
+                                   m.content[0] = 0x00;
+                                   m.content[1] = 0x41;
+                               },
+                               "0891682143658709f1110005812143f50000ff028020"},
+                      Composed{"long_part",
+                               [](SmsMessage &m) {
+                                   m.sms_flag_type = 1;
+                                   m.btTotalPack = 3;
+                                   m.btPack = 2;
+                                   m.mr = 0x1234;
+                               },
+                               "0891682143658709f1513405812143f50000ff09050003340302d069"},
+                      Composed{"part_outside_the_total_gives_no_header",
+                               [](SmsMessage &m) {
+                                   m.sms_flag_type = 1;
+                                   m.btTotalPack = 2;
+                                   m.btPack = 3;
+                               },
+                               "0891682143658709f1110005812143f50000ff02e834"},
+                      Composed{"national_single_shift", [](SmsMessage &m) { m.byteCoding = 1; },
+                               "0891682143658709f1510005812143f50000ff070324010140a701"},
+                      Composed{"status_report_request", [](SmsMessage &m) { m.dwStatusReportRequest = 1; },
+                               "0891682143658709f1310005812143f50000ff02e834"},
+                      Composed{"ucs2_high_octet_first",
+                               [](SmsMessage &m) {
+                                   std::strcpy(m.content, "A\xE2\x82\xAC");  // A, euro sign
+                                   m.sms_content_code = SMS_CONTENT_UCS2;
+                               },
+                               "0891682143658709f1110005812143f50008ff04004120ac"},
+                      Composed{"empty_destination_and_centre", [](SmsMessage &m) { m.szAddress[0] = m.sca[0] = '\0'; },
+                               "0181110000810000ff02e834"},
+                      Composed{"validity_59_seconds", [](SmsMessage &m) { std::strcpy(m.szValidity, "59"); },
+                               "0891682143658709f1110005812143f50000ff02e834"},
+                      Composed{"validity_hour", [](SmsMessage &m) { std::strcpy(m.szValidity, "3600abc"); },
+                               "0891682143658709f1110005812143f500000b02e834"},
+                      Composed{"validity_day", [](SmsMessage &m) { std::strcpy(m.szValidity, "86400"); },
+                               "0891682143658709f1110005812143f50000a702e834"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 struct LengthCase {
@@ -276,24 +306,23 @@ TEST_P(ComposeLength, LimitsAtTheBoundary)
 #endif
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Limits, ComposeLength,
-    ::testing::Values(
-        LengthCase{"gsm_normal_160", SMS_CONTENT_7BIT, 0, 160, 0, ""},
-        LengthCase{"gsm_normal_161", SMS_CONTENT_7BIT, 0, 161, -1,
-                   "The ComposeSms 7 bit length is out of range in the normal sms!"},
-        LengthCase{"gsm_long_153", SMS_CONTENT_7BIT, 1, 153, 0, ""},
-        LengthCase{"gsm_long_154", SMS_CONTENT_7BIT, 1, 154, -1,
-                   "The ComposeSms 7 bit length is out of range in the long sms!"},
-        LengthCase{"ucs2_normal_70", SMS_CONTENT_UCS2, 0, 70, 0, ""},
-        LengthCase{"ucs2_normal_71", SMS_CONTENT_UCS2, 0, 71, -1,
-                   "The ComposeSms UCS2 length is out of range in the normal sms!"},
-        LengthCase{"ucs2_long_67", SMS_CONTENT_UCS2, 1, 67, 0, ""},
-        LengthCase{"ucs2_long_68", SMS_CONTENT_UCS2, 1, 68, -1,
-                   "The ComposeSms UCS2 length is out of range in the long sms!"},
-        LengthCase{"unchecked_flag_refused_by_encoder", SMS_CONTENT_7BIT, 2, 200, -1,
-                   "MSEncodeSubmit function run unsuccessfully! The ERROR CODE is 10502"}),
-    [](const auto &info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Limits, ComposeLength,
+                         ::testing::Values(LengthCase{"gsm_normal_160", SMS_CONTENT_7BIT, 0, 160, 0, ""},
+                                           LengthCase{"gsm_normal_161", SMS_CONTENT_7BIT, 0, 161, -1,
+                                                      "The ComposeSms 7 bit length is out of range in the normal sms!"},
+                                           LengthCase{"gsm_long_153", SMS_CONTENT_7BIT, 1, 153, 0, ""},
+                                           LengthCase{"gsm_long_154", SMS_CONTENT_7BIT, 1, 154, -1,
+                                                      "The ComposeSms 7 bit length is out of range in the long sms!"},
+                                           LengthCase{"ucs2_normal_70", SMS_CONTENT_UCS2, 0, 70, 0, ""},
+                                           LengthCase{"ucs2_normal_71", SMS_CONTENT_UCS2, 0, 71, -1,
+                                                      "The ComposeSms UCS2 length is out of range in the normal sms!"},
+                                           LengthCase{"ucs2_long_67", SMS_CONTENT_UCS2, 1, 67, 0, ""},
+                                           LengthCase{"ucs2_long_68", SMS_CONTENT_UCS2, 1, 68, -1,
+                                                      "The ComposeSms UCS2 length is out of range in the long sms!"},
+                                           LengthCase{
+                                               "unchecked_flag_refused_by_encoder", SMS_CONTENT_7BIT, 2, 200, -1,
+                                               "MSEncodeSubmit function run unsuccessfully! The ERROR CODE is 10502"}),
+                         [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(ComposeSmsTest, EightBitCodingIsRefused)
 {
@@ -330,15 +359,19 @@ const char kScRefused[] = "EWCheckDialNum in ComposeSCAddrData function run unsu
 const char kScCode[] = "ComposeSCAddrData function run unsuccessfully! The ERROR CODE is 10503";
 INSTANTIATE_TEST_SUITE_P(
     Numbers, ComposeAddressRefusal,
-    ::testing::Values(
-        AddressRefusal{"letter_in_destination", "12a45", "+8612345678901", {kDestinationRefused}},
-        AddressRefusal{"plus_alone_destination", "+", "+8612345678901", {kDestinationRefused}},
-        // 21 digits fill the field with no terminator: refused, never cut to 20.
-        AddressRefusal{"destination_21_unterminated", "123456789012345678901", "+8612345678901",
-                       {"The length of dwlen is 21", kDestinationRefused}},
-        AddressRefusal{"sca_21_unterminated", "12345", "123456789012345678901",
-                       {"The dwlen is 21", kScRefused, kScCode, "ComposeSubmitSms function run unsuccessfully!"}},
-        AddressRefusal{"sca_illegal", "12345", "86-1", {kScRefused, kScCode}}),
+    ::testing::Values(AddressRefusal{"letter_in_destination", "12a45", "+8612345678901", {kDestinationRefused}},
+                      AddressRefusal{"plus_alone_destination", "+", "+8612345678901", {kDestinationRefused}},
+                      // 21 digits fill the field with no terminator: refused, never cut to 20.
+                      AddressRefusal{"destination_21_unterminated",
+                                     "123456789012345678901",
+                                     "+8612345678901",
+                                     {"The length of dwlen is 21", kDestinationRefused}},
+                      AddressRefusal{
+                          "sca_21_unterminated",
+                          "12345",
+                          "123456789012345678901",
+                          {"The dwlen is 21", kScRefused, kScCode, "ComposeSubmitSms function run unsuccessfully!"}},
+                      AddressRefusal{"sca_illegal", "12345", "86-1", {kScRefused, kScCode}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(ComposeSmsTest, NullRecordsAndNoHeap)
@@ -390,7 +423,7 @@ struct CountCase {
     const char *unit;
     std::size_t count;
     int32_t packs;
-    uint32_t first = 0;  // bytes of the first pack, when stated
+    uint32_t first = 0;     // bytes of the first pack, when stated
     const char *tail = "";  // text after the units
     uint32_t coding = 0;
 };
@@ -423,12 +456,15 @@ INSTANTIATE_TEST_SUITE_P(
                       CountCase{"ucs2_two_byte_71", 0, "\xC3\xA9", 71, 2, 134},  // 67 characters in the first
                       CountCase{"gsm_161_b", 1, "b", 161, 2, 153},
                       // 152 plain codes, then the euro sign's pair at codes 153 and 154.
-                      CountCase{"escape_pair_never_straddles", 1, "x", 152, 2, 152, "\xE2\x82\xAC" "yyyyyyyyyy"},
+                      CountCase{"escape_pair_never_straddles", 1, "x", 152, 2, 152,
+                                "\xE2\x82\xAC"
+                                "yyyyyyyyyy"},
                       CountCase{"unconvertible_character", 1, "abc", 1, -1, 0, "\xE4\xBD\xA0"},
                       // 117 Turkish euro signs (one code each) are 351 bytes of UTF-8; 118 do not fit.
                       CountCase{"turkish_117", 1, "\xE2\x82\xAC", 117, 1, 351, "", 1},
                       CountCase{"turkish_118", 1, "\xE2\x82\xAC", 118, -1, 0, "", 1},
-                      CountCase{"gsm_escape_pairs_300", 1, "{", 300, 4}, CountCase{"gsm_escape_pairs_306", 1, "{", 306, -1}),
+                      CountCase{"gsm_escape_pairs_300", 1, "{", 300, 4},
+                      CountCase{"gsm_escape_pairs_306", 1, "{", 306, -1}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(SplitPack, EmptyTextAndBadArguments)
@@ -464,10 +500,16 @@ TEST_P(FindUtf8Count, BytesOfTheFirstCharacters)
     EXPECT_EQ(find_utf8_count(GetParam().n, GetParam().text), GetParam().bytes);
 }
 INSTANTIATE_TEST_SUITE_P(Texts, FindUtf8Count,
-                         ::testing::Values(Utf8CountCase{3, "a\xC3\xA9\xE2\x82\xAC" "b", 6},
-                                           Utf8CountCase{2, "\xDF\xBF\xE0\xA4\xA0" "b", 5},  // 0xDF, 0xE0 leads
+                         ::testing::Values(Utf8CountCase{3,
+                                                         "a\xC3\xA9\xE2\x82\xAC"
+                                                         "b",
+                                                         6},
+                                           Utf8CountCase{2,
+                                                         "\xDF\xBF\xE0\xA4\xA0"
+                                                         "b",
+                                                         5},  // 0xDF, 0xE0 leads
                                            Utf8CountCase{0, "abc", 0}, Utf8CountCase{10, "abc", 3},
-                                           Utf8CountCase{2, "a\xE2\x82", 1},  // cut-short sequence
+                                           Utf8CountCase{2, "a\xE2\x82", 1},          // cut-short sequence
                                            Utf8CountCase{1, "\xF0\x9F\x98\x80", 3}),  // 0xF0 reads as a 3-byte lead
                          [](const auto &info) { return "case_" + std::to_string(info.index); });
 

@@ -4,22 +4,21 @@
 #include <stdio.h>
 #include <string.h>
 
-#include "smsutil/smsutil.h"
 #include "abi_layout.h"
+#include "smsutil/smsutil.h"
 
 static int failures = 0;
 
-#define CHECK_SIZE(type, expected)                                                   \
-    if (sizeof(type) != (expected)) {                                                \
-        printf("sizeof(%s) is %u, expected %u\n", #type, (unsigned)sizeof(type),     \
-               (unsigned)(expected));                                                \
-        failures++;                                                                  \
+#define CHECK_SIZE(type, expected)                                                                      \
+    if (sizeof(type) != (expected)) {                                                                   \
+        printf("sizeof(%s) is %u, expected %u\n", #type, (unsigned)sizeof(type), (unsigned)(expected)); \
+        failures++;                                                                                     \
     }
-#define CHECK_OFFSET(type, field, expected)                                          \
-    if (offsetof(type, field) != (expected)) {                                       \
-        printf("offsetof(%s, %s) is %u, expected %u\n", #type, #field,              \
-               (unsigned)offsetof(type, field), (unsigned)(expected));               \
-        failures++;                                                                  \
+#define CHECK_OFFSET(type, field, expected)                                                             \
+    if (offsetof(type, field) != (expected)) {                                                          \
+        printf("offsetof(%s, %s) is %u, expected %u\n", #type, #field, (unsigned)offsetof(type, field), \
+               (unsigned)(expected));                                                                   \
+        failures++;                                                                                     \
     }
 
 int main(int argc, char **argv)

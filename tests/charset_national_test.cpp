@@ -179,16 +179,13 @@ INSTANTIATE_TEST_SUITE_P(
         SettingCase{"NonNumeric", setting_document("spanish"), "spanish", 0, 0x63},
         SettingCase{"DigitsThenText", setting_document("2es"), "2es", 2, 0x09},
         SettingCase{"Negative", setting_document("-2"), "-2", -2, 0x63},
-        SettingCase{"Saturates", setting_document("99999999999999999999"), "99999999999999999999", 2147483647,
-                    0x63},
+        SettingCase{"Saturates", setting_document("99999999999999999999"), "99999999999999999999", 2147483647, 0x63},
         // The value buffer holds 31 characters and the terminator.
-        SettingCase{"ThirtyOneCharacters", setting_document(k31 + "2"), "0000000000000000000000000000002", 2,
-                    0x09},
+        SettingCase{"ThirtyOneCharacters", setting_document(k31 + "2"), "0000000000000000000000000000002", 2, 0x09},
         SettingCase{"ThirtyTwoCharactersDoNotFit", setting_document(k31 + "02"), "", 0, 0x63},
         SettingCase{"MismatchedEndTag", setting_document("2</lang_tab><lang_table>"), "", 0, 0x63},
         SettingCase{"CutOffInsideATag",
-                    "<configuration><FEATURE_SMS><lang_table>2</lang_table></FEATURE_SMS></configuration", "", 0,
-                    0x63},
+                    "<configuration><FEATURE_SMS><lang_table>2</lang_table></FEATURE_SMS></configuration", "", 0, 0x63},
         SettingCase{"NotXml", "lang_table=2\n", "", 0, 0x63},
         SettingCase{"OtherTopLevelElement", "<config><FEATURE_SMS><lang_table>2</lang_table></FEATURE_SMS></config>",
                     "", 0, 0x63}),
@@ -200,8 +197,10 @@ TEST_F(National8bit, ReadsTheSettingAtEveryCall)
     Bytes out;
     uint32_t len = 0;
     for (const char *value : {"2", "1", ""}) {
-        if (*value) write_feature_file(setting_document(value));
-        else std::filesystem::remove(SMSUTIL_FEATURE_FILE);
+        if (*value)
+            write_feature_file(setting_document(value));
+        else
+            std::filesystem::remove(SMSUTIL_FEATURE_FILE);
         ASSERT_EQ(convert({0xAC}, 2 + 1, out, len), 0);
         EXPECT_EQ(out[1], *value == '2' ? 0x09 : 0x63) << "setting '" << value << "'";
     }
@@ -236,27 +235,29 @@ TEST_P(Kv8bitToGsm7, Converts)
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, Kv8bitToGsm7,
-    ::testing::Values(
-        ConvertCase{"PlainEuroAndAt", {0x41, 0x8B, 0x80}, 4, 0, {0x41, 0x1B, 0x65, 0x00}},
-        ConvertCase{"TopOfThePlainRange", {0x7F, 0x1B, 0x01}, 3, 0, {0x7F, 0x1B, 0x01}},
-        ConvertCase{"ZeroByteInsideTheLength", {0x41, 0x00, 0x42}, 3, 0, {0x41, 0x00, 0x42}},
-        ConvertCase{"DefaultExtension", {0x81, 0x82, 0x8A}, 7, 0, {0x1B, 0x0A, 0x1B, 0x14, 0x1B, 0x40}},
-        ConvertCase{"Turkish", {0xA9, 0xB0}, 5, 0, {0x1B, 0x47, 0x1B, 0x73}},
-        ConvertCase{"Spanish", {0xCA, 0xD2}, 5, 0, {0x1B, 0x41, 0x1B, 0x75}},
-        ConvertCase{"UnassignedBytesBecomeEscapeZero", {0x8C, 0xB1, 0xD3, 0xE0, 0xFF}, 11, 0,
-                    {0x1B, 0, 0x1B, 0, 0x1B, 0, 0x1B, 0, 0x1B, 0}},
-        ConvertCase{"Empty", {}, 0, 0, {}},
-        // An escape pair wants three bytes of room, not two.
-        ConvertCase{"PairWithTwoBytesLeftFails", {0x41, 0xA1}, 3, -1, {}},
-        ConvertCase{"PairWithThreeBytesLeft", {0x41, 0xA1}, 4, 0, {0x41, 0x1B, 0x14}},
-        ConvertCase{"PairAloneCapacityTwo", {0xA1}, 2, -1, {}},
-        ConvertCase{"PairAloneCapacityOne", {0xA1}, 1, -1, {}},
-        ConvertCase{"PairAloneCapacityThree", {0xA1}, 3, 0, {0x1B, 0x14}},
-        ConvertCase{"PairThenPairFails", {0xA1, 0xA2}, 4, -1, {}},
-        ConvertCase{"ExactlyFullWithPlainBytes", {0x41, 0x42, 0x43}, 3, 0, {0x41, 0x42, 0x43}},
-        // Once the output is full the rest of the input is dropped quietly.
-        ConvertCase{"RestDroppedWhenFull", {0xA1, 0x41, 0x42}, 3, 0, {0x1B, 0x14, 0x41}},
-        ConvertCase{"RestDroppedAfterPair", {0x41, 0xA1, 0x42, 0x43}, 4, 0, {0x41, 0x1B, 0x14, 0x42}}),
+    ::testing::Values(ConvertCase{"PlainEuroAndAt", {0x41, 0x8B, 0x80}, 4, 0, {0x41, 0x1B, 0x65, 0x00}},
+                      ConvertCase{"TopOfThePlainRange", {0x7F, 0x1B, 0x01}, 3, 0, {0x7F, 0x1B, 0x01}},
+                      ConvertCase{"ZeroByteInsideTheLength", {0x41, 0x00, 0x42}, 3, 0, {0x41, 0x00, 0x42}},
+                      ConvertCase{"DefaultExtension", {0x81, 0x82, 0x8A}, 7, 0, {0x1B, 0x0A, 0x1B, 0x14, 0x1B, 0x40}},
+                      ConvertCase{"Turkish", {0xA9, 0xB0}, 5, 0, {0x1B, 0x47, 0x1B, 0x73}},
+                      ConvertCase{"Spanish", {0xCA, 0xD2}, 5, 0, {0x1B, 0x41, 0x1B, 0x75}},
+                      ConvertCase{"UnassignedBytesBecomeEscapeZero",
+                                  {0x8C, 0xB1, 0xD3, 0xE0, 0xFF},
+                                  11,
+                                  0,
+                                  {0x1B, 0, 0x1B, 0, 0x1B, 0, 0x1B, 0, 0x1B, 0}},
+                      ConvertCase{"Empty", {}, 0, 0, {}},
+                      // An escape pair wants three bytes of room, not two.
+                      ConvertCase{"PairWithTwoBytesLeftFails", {0x41, 0xA1}, 3, -1, {}},
+                      ConvertCase{"PairWithThreeBytesLeft", {0x41, 0xA1}, 4, 0, {0x41, 0x1B, 0x14}},
+                      ConvertCase{"PairAloneCapacityTwo", {0xA1}, 2, -1, {}},
+                      ConvertCase{"PairAloneCapacityOne", {0xA1}, 1, -1, {}},
+                      ConvertCase{"PairAloneCapacityThree", {0xA1}, 3, 0, {0x1B, 0x14}},
+                      ConvertCase{"PairThenPairFails", {0xA1, 0xA2}, 4, -1, {}},
+                      ConvertCase{"ExactlyFullWithPlainBytes", {0x41, 0x42, 0x43}, 3, 0, {0x41, 0x42, 0x43}},
+                      // Once the output is full the rest of the input is dropped quietly.
+                      ConvertCase{"RestDroppedWhenFull", {0xA1, 0x41, 0x42}, 3, 0, {0x1B, 0x14, 0x41}},
+                      ConvertCase{"RestDroppedAfterPair", {0x41, 0xA1, 0x42, 0x43}, 4, 0, {0x41, 0x1B, 0x14, 0x42}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(National8bit, RefusesMissingBuffersAndInputLongerThanTheCapacity)
@@ -424,25 +425,19 @@ TEST_P(MessageCoding, FirstDecisiveByteWins)
     EXPECT_EQ(check_message_coding(text.data()), c.coding);
 }
 
-INSTANTIATE_TEST_SUITE_P(Blocks, MessageCoding,
-                         ::testing::Values(CodingCase{"Empty", {}, 0, nullptr},
-                                           CodingCase{"PlainAscii", {'H', 'i', '!'}, 0, nullptr},
-                                           CodingCase{"CommercialAt", {0x80, 0x7F}, 0, nullptr},
-                                           CodingCase{"DefaultExtensionOnly", {0x81, 0x8B, 0x9F}, 0, nullptr},
-                                           CodingCase{"TurkishLow", {0x41, 0xA0}, 1, "0xa0"},
-                                           CodingCase{"TurkishHigh", {0xBF}, 1, "0xbf"},
-                                           CodingCase{"SpanishLow", {0xC0}, 2, "0xc0"},
-                                           CodingCase{"SpanishHigh", {0xDF}, 2, "0xdf"},
-                                           CodingCase{"EmptyBlockLow", {0xE0}, 3, "0xe0"},
-                                           CodingCase{"EmptyBlockHigh", {0xFF}, 3, "0xff"},
-                                           CodingCase{"ExtensionThenSpanish", {0x85, 0xC3}, 2, "0xc3"},
-                                           CodingCase{"TurkishBeforeSpanish", {0x41, 0xB0, 0xC0}, 1, "0xb0"},
-                                           CodingCase{"SpanishBeforeTurkish", {0xD2, 0xA1}, 2, "0xd2"}),
-                         [](const auto &info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Blocks, MessageCoding,
+    ::testing::Values(CodingCase{"Empty", {}, 0, nullptr}, CodingCase{"PlainAscii", {'H', 'i', '!'}, 0, nullptr},
+                      CodingCase{"CommercialAt", {0x80, 0x7F}, 0, nullptr},
+                      CodingCase{"DefaultExtensionOnly", {0x81, 0x8B, 0x9F}, 0, nullptr},
+                      CodingCase{"TurkishLow", {0x41, 0xA0}, 1, "0xa0"}, CodingCase{"TurkishHigh", {0xBF}, 1, "0xbf"},
+                      CodingCase{"SpanishLow", {0xC0}, 2, "0xc0"}, CodingCase{"SpanishHigh", {0xDF}, 2, "0xdf"},
+                      CodingCase{"EmptyBlockLow", {0xE0}, 3, "0xe0"}, CodingCase{"EmptyBlockHigh", {0xFF}, 3, "0xff"},
+                      CodingCase{"ExtensionThenSpanish", {0x85, 0xC3}, 2, "0xc3"},
+                      CodingCase{"TurkishBeforeSpanish", {0x41, 0xB0, 0xC0}, 1, "0xb0"},
+                      CodingCase{"SpanishBeforeTurkish", {0xD2, 0xA1}, 2, "0xd2"}),
+    [](const auto &info) { return std::string(info.param.name); });
 
-TEST(MessageCodingArguments, MissingTextNeedsNoLanguage)
-{
-    EXPECT_EQ(check_message_coding(nullptr), 0);
-}
+TEST(MessageCodingArguments, MissingTextNeedsNoLanguage) { EXPECT_EQ(check_message_coding(nullptr), 0); }
 
 }  // namespace

@@ -108,7 +108,7 @@ void convert_text()
 
 void dump_buffers()
 {
-    const uint8_t data[20] = {'H', 'e', 'l', 'l', 'o', ',', ' ', 'W', 'o', 'r',
+    const uint8_t data[20] = {'H', 'e', 'l', 'l',  'o',  ',',  ' ', 'W', 'o',  'r',
                               'l', 'd', '!', 0x01, 0x7F, 0x80, 'A', 'B', 0x00, '~'};
     for (const int32_t n : {0, 15, 16, 17, 20}) DumpBuffer(data, n, "demo");
     DumpBuffer(nullptr, 5, nullptr);

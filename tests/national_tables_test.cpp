@@ -103,13 +103,20 @@ TEST(NationalTables, InverseFindsNothingOutsideATable)
         std::uint8_t want;
     };
     const Case cases[] = {
-        {U'`', kDefaultLanguage, false, kNoCode}, {U'`', kPortuguese, false, 0x7D},
-        {U'\u20AC', kDefaultLanguage, false, kNoCode}, {U'\u20AC', kDefaultLanguage, true, 0x65},
-        {U'\u0131', kTurkish, false, 0x07}, {U'\u0131', kSpanish, true, kNoCode},
-        {U'\u221E', kPortuguese, false, 0x15}, {U'\u221E', kTurkish, false, kNoCode},
-        {U'\u0132', kTurkish, true, kNoCode}, {U'\uFFFF', kDefaultLanguage, false, kNoCode},
-        {U'\U0001F600', kDefaultLanguage, false, kNoCode}, {U'\x1B', kDefaultLanguage, false, kNoCode},
-        {U'\f', kDefaultLanguage, true, 0x0A}, {U'A', 9, false, 0x41},
+        {U'`', kDefaultLanguage, false, kNoCode},
+        {U'`', kPortuguese, false, 0x7D},
+        {U'\u20AC', kDefaultLanguage, false, kNoCode},
+        {U'\u20AC', kDefaultLanguage, true, 0x65},
+        {U'\u0131', kTurkish, false, 0x07},
+        {U'\u0131', kSpanish, true, kNoCode},
+        {U'\u221E', kPortuguese, false, 0x15},
+        {U'\u221E', kTurkish, false, kNoCode},
+        {U'\u0132', kTurkish, true, kNoCode},
+        {U'\uFFFF', kDefaultLanguage, false, kNoCode},
+        {U'\U0001F600', kDefaultLanguage, false, kNoCode},
+        {U'\x1B', kDefaultLanguage, false, kNoCode},
+        {U'\f', kDefaultLanguage, true, 0x0A},
+        {U'A', 9, false, 0x41},
     };
     for (const Case &c : cases)
         EXPECT_EQ(c.single ? single_shift_code(c.id, c.code_point) : locking_code(c.id, c.code_point), c.want)

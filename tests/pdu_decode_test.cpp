@@ -11,8 +11,8 @@ namespace {
 std::string time_text(const sms_pdu_time &t)
 {
     char b[40];
-    std::snprintf(b, sizeof b, "%02u-%02u-%02u %02u:%02u:%02u%+d", t.year, t.month, t.day, t.hour, t.minute,
-                  t.second, t.timezone);
+    std::snprintf(b, sizeof b, "%02u-%02u-%02u %02u:%02u:%02u%+d", t.year, t.month, t.day, t.hour, t.minute, t.second,
+                  t.timezone);
     return b;
 }
 
@@ -26,8 +26,8 @@ std::string describe(const sms_pdu_record &r)
         if (v != 0 || always) add(key, std::to_string(v));
     };
     if (r.has_sca != 0) add("sca", std::string(r.sca.text) + "/" + std::to_string(r.sca.type));
-    add("addr", std::string(r.address.text) + "/" + std::to_string(r.address.type) + "." +
-                    std::to_string(r.address.plan));
+    add("addr",
+        std::string(r.address.text) + "/" + std::to_string(r.address.type) + "." + std::to_string(r.address.plan));
     num("mms", r.more_messages);
     num("lp", r.loop_prevention);
     num("rp", r.reply_path);
@@ -37,7 +37,8 @@ std::string describe(const sms_pdu_record &r)
     num("mr", r.message_reference);
     num("pid", r.pid);
     const sms_pdu_dcs &d = r.dcs;
-    add("dcs", std::to_string(d.alphabet) + (d.message_class != SMS_PDU_CLASS_NONE ? "c" + std::to_string(d.message_class) : "") +
+    add("dcs", std::to_string(d.alphabet) +
+                   (d.message_class != SMS_PDU_CLASS_NONE ? "c" + std::to_string(d.message_class) : "") +
                    (d.compressed != 0 ? "z" : "") + (d.auto_delete != 0 ? "x" : "") +
                    (d.mwi_group != 0 ? "m" + std::to_string(d.mwi_group) + (d.mwi_active != 0 ? "+" : "-") +
                                            std::to_string(d.mwi_type)
@@ -61,8 +62,8 @@ std::string describe(const sms_pdu_record &r)
         add("concat", std::to_string(r.concatenation_reference) + "/" + std::to_string(r.concatenation_total) + "/" +
                           std::to_string(r.concatenation_part) + (r.concatenation_16bit != 0 ? "w" : ""));
     if (r.has_ports != 0)
-        add("ports", std::to_string(r.source_port) + ">" + std::to_string(r.destination_port) +
-                         (r.ports_16bit != 0 ? "w" : ""));
+        add("ports",
+            std::to_string(r.source_port) + ">" + std::to_string(r.destination_port) + (r.ports_16bit != 0 ? "w" : ""));
     if (r.has_locking_shift != 0) num("lock", r.locking_language, true);
     if (r.has_single_shift != 0) num("single", r.single_language, true);
     if (r.text_length != 0 || r.dcs.alphabet != SMS_PDU_ALPHABET_8BIT) add("text", std::string(r.text, r.text_length));
@@ -97,33 +98,104 @@ TEST(PduDecode, Fields)
          "kind=D sca=+31624000000/1 addr=+31641600986/1.1 dcs=0 ts=02-08-15 15:45:37+4 ud=9 text=hellohello"},
         // Empty service centre as a lone type octet; alphanumeric sender
         // with an underscore and an extension character.
-        {"0181" "00" "09D04F59648302" "00" "00" "11208211050500" "0141", 0,
-         "kind=D sca=/0 addr=O2_{/5.0 mms=1 dcs=0 ts=11-02-28 11:50:50+0 ud=1 text=A"},
-        {"0181" "00" "06D0418010" "00" "00" "11208211050500" "00", 0,
-         "kind=D sca=/0 addr=A@B/5.0 mms=1 dcs=0 ts=11-02-28 11:50:50+0 text="},
+        {"0181"
+         "00"
+         "09D04F59648302"
+         "00"
+         "00"
+         "11208211050500"
+         "0141",
+         0, "kind=D sca=/0 addr=O2_{/5.0 mms=1 dcs=0 ts=11-02-28 11:50:50+0 ud=1 text=A"},
+        {"0181"
+         "00"
+         "06D0418010"
+         "00"
+         "00"
+         "11208211050500"
+         "00",
+         0, "kind=D sca=/0 addr=A@B/5.0 mms=1 dcs=0 ts=11-02-28 11:50:50+0 text="},
         // 20 digits; UCS-2 with a surrogate pair and a lone half; west of UTC.
-        {"06914488214365" "A4" "149121436587092143658709" "00" "08" "1120821105050A" "0A0048006" "9D83DDE00DC00", 0,
+        {"06914488214365"
+         "A4"
+         "149121436587092143658709"
+         "00"
+         "08"
+         "1120821105050A"
+         "0A0048006"
+         "9D83DDE00DC00",
+         0,
          "kind=D sca=+4488123456/1 addr=+12345678901234567890/1.1 rp=1 sr=1 dcs=2 ts=11-02-28 11:50:50-20 ud=10 "
          "text=Hi\xF0\x9F\x98\x80\xEF\xBF\xBD p=11@38"},
-        {"00" "31" "05" "0A816021436587" "00" "04" "A7" "04DEADBEEF", 0,
-         "kind=S sca=/0 addr=0612345678/0.1 sr=1 mr=5 dcs=1 vp=86400s ud=4"},
-        {"19" "00" "04912143" "00" "00" "1120821105050A" "00", kNoSca,
-         "kind=S addr=+1234/1.1 dcs=0 vp=11-02-28 11:50:50-20 text="},
-        {"0D" "00" "04912143" "00" "00" "01020000000000" "00", kNoSca,
-         "kind=S addr=+1234/1.1 rd=1 dcs=0 vp=e1 text="},
-        {"06" "2A" "0B911346610089F6" "20805151547340" "20805151547540" "00", kNoSca,
-         "kind=R addr=+31641600986/1.1 mr=42 dcs=0 ts=02-08-15 15:45:37+4 dt=02-08-15 15:45:57+4 st=0/0 text="},
+        {"00"
+         "31"
+         "05"
+         "0A816021436587"
+         "00"
+         "04"
+         "A7"
+         "04DEADBEEF",
+         0, "kind=S sca=/0 addr=0612345678/0.1 sr=1 mr=5 dcs=1 vp=86400s ud=4"},
+        {"19"
+         "00"
+         "04912143"
+         "00"
+         "00"
+         "1120821105050A"
+         "00",
+         kNoSca, "kind=S addr=+1234/1.1 dcs=0 vp=11-02-28 11:50:50-20 text="},
+        {"0D"
+         "00"
+         "04912143"
+         "00"
+         "00"
+         "01020000000000"
+         "00",
+         kNoSca, "kind=S addr=+1234/1.1 rd=1 dcs=0 vp=e1 text="},
+        {"06"
+         "2A"
+         "0B911346610089F6"
+         "20805151547340"
+         "20805151547540"
+         "00",
+         kNoSca, "kind=R addr=+31641600986/1.1 mr=42 dcs=0 ts=02-08-15 15:45:37+4 dt=02-08-15 15:45:57+4 st=0/0 text="},
         // TP-PI filled with ones: ignored.  A PI announcing PID and DCS.
-        {"22" "2A" "04912143" "20805151547340" "20805151547540" "46" "FF", kNoSca,
+        {"22"
+         "2A"
+         "04912143"
+         "20805151547340"
+         "20805151547540"
+         "46"
+         "FF",
+         kNoSca,
          "kind=R addr=+1234/1.1 mms=1 sr=1 mr=42 dcs=0 ts=02-08-15 15:45:37+4 dt=02-08-15 15:45:57+4 st=70/2 "
          "pi=255 text= p=16@21"},
-        {"02" "2A" "04912143" "20805151547340" "20805151547540" "61" "06" "F6" "0141", kNoSca,
+        {"02"
+         "2A"
+         "04912143"
+         "20805151547340"
+         "20805151547540"
+         "61"
+         "06"
+         "F6"
+         "0141",
+         kNoSca,
          "kind=R addr=+1234/1.1 mms=1 mr=42 dcs=1c2 ts=02-08-15 15:45:37+4 dt=02-08-15 15:45:57+4 st=97/3 pi=6 ud=1"},
-        {"22" "01" "00" "01" "2A" "04912143" "00", kNoSca | SMS_PDU_DECODE_COMMAND,
-         "kind=C addr=+1234/1.1 sr=1 mr=1 dcs=1 cmd=1/42"},
+        {"22"
+         "01"
+         "00"
+         "01"
+         "2A"
+         "04912143"
+         "00",
+         kNoSca | SMS_PDU_DECODE_COMMAND, "kind=C addr=+1234/1.1 sr=1 mr=1 dcs=1 cmd=1/42"},
         // Month 13 and a non-decimal second are kept but reported.
-        {"04" "04912143" "00" "00" "1131821105A50A" "00", kNoSca,
-         "kind=D addr=+1234/1.1 dcs=0 ts=11-13-28 11:50:60-20 text= p=13@7"},
+        {"04"
+         "04912143"
+         "00"
+         "00"
+         "1131821105A50A"
+         "00",
+         kNoSca, "kind=D addr=+1234/1.1 dcs=0 ts=11-13-28 11:50:60-20 text= p=13@7"},
     };
     check_all(cases);
 }
@@ -155,7 +227,10 @@ TEST(PduDecode, HeadersAndText)
         {"08", "03050003", "ud=3 hl=3 text= p=2@15 p=3@16"},
     };
     for (const HeaderCase &c : cases) {
-        const std::string hex = std::string("4404912143" "00") + c.dcs + "11208211050500" + c.user_data;
+        const std::string hex = std::string(
+                                    "4404912143"
+                                    "00") +
+                                c.dcs + "11208211050500" + c.user_data;
         sms_pdu_record r;
         EXPECT_EQ(sms_pdu_decode_hex(hex.c_str(), hex.size(), kNoSca, &r), SMS_PDU_OK) << hex;
         const std::string got = describe(r);
@@ -193,7 +268,7 @@ TEST(PduDecode, RefusedInput)
         {"01", kNoSca, SMS_PDU_ERR_TRUNCATED_MESSAGE_REFERENCE, ""},
         {"1100049121430000", kNoSca, SMS_PDU_ERR_TRUNCATED_VALIDITY, ""},
         {"1900049121430000112082", kNoSca, SMS_PDU_ERR_TRUNCATED_VALIDITY, ""},
-                {"022A0491214320805151547340208051515475400001", kNoSca, SMS_PDU_ERR_TRUNCATED_PID, ""},
+        {"022A0491214320805151547340208051515475400001", kNoSca, SMS_PDU_ERR_TRUNCATED_PID, ""},
         {"022A0491214320805151547340208051515475400002", kNoSca, SMS_PDU_ERR_TRUNCATED_DCS, ""},
         {"022A0491214320805151547340208051515475400004", kNoSca, SMS_PDU_ERR_TRUNCATED_USER_DATA_LENGTH, ""},
         {"022A0491214320805151547340208051515475", kNoSca, SMS_PDU_ERR_TRUNCATED_DISCHARGE_TIME, ""},
@@ -218,12 +293,10 @@ TEST(PduDecode, RefusedInput)
 TEST(PduDecode, DataCodingScheme)
 {
     const std::pair<const char *, const char *> cases[] = {
-        {"00", "dcs=0 text="},         {"08", "dcs=2 text="},
-        {"11", "dcs=0c1 text="},       {"28", "dcs=2z text= p=15@15"},
-        {"5A", "dcs=2c2x text="},      {"C8", "dcs=0m1+0 text="},
-        {"D3", "dcs=0m2-3 text="},     {"EA", "dcs=2m2+2 text="},
-        {"F6", "dcs=1c2"},             {"F1", "dcs=0c1 text="},
-        {"0C", "dcs=0 text= p=14@6"},  {"85", "dcs=0 text= p=14@6"},
+        {"00", "dcs=0 text="},          {"08", "dcs=2 text="},        {"11", "dcs=0c1 text="},
+        {"28", "dcs=2z text= p=15@15"}, {"5A", "dcs=2c2x text="},     {"C8", "dcs=0m1+0 text="},
+        {"D3", "dcs=0m2-3 text="},      {"EA", "dcs=2m2+2 text="},    {"F6", "dcs=1c2"},
+        {"F1", "dcs=0c1 text="},        {"0C", "dcs=0 text= p=14@6"}, {"85", "dcs=0 text= p=14@6"},
     };
     for (const auto &[dcs, want] : cases) {
         const std::string hex = std::string("040491214300") + dcs + "11208211050500" + "00";

@@ -146,14 +146,16 @@ TEST(PduEncode, ChoosesTablesAndCutsAtEveryBoundary)
         {times(dotless_i, 299), 1u << T, false, 3, G7, T, 0, 298, 160},
         {s_cedilla, 1u << S, false, 1, U2, 0, 0, 2, 2},
         {s_cedilla, 0, false, 1, U2, 0, 0, 2, 2},
-        {"\xC2\xBF" "C\xC3\xB3mo est\xC3\xA1s, se\xC3\xB1or?", kAll, false, 1, G7, 0, S, 23, 26},
+        {"\xC2\xBF"
+         "C\xC3\xB3mo est\xC3\xA1s, se\xC3\xB1or?",
+         kAll, false, 1, G7, 0, S, 23, 26},
         {"N\xC3\xA3o h\xC3\xA1 a\xC3\xA7\xC3\xA3o", kAll, false, 1, G7, 0, P, 15, 20},
         {s_cedilla + " \xC3\xAA", kAll, false, 1, G7, T, P, 5, 12},
     };
     for (const ChoiceCase &c : cases) {
         SCOPED_TRACE(testing::Message() << "text of " << c.text.size() << " bytes: " << c.text.substr(0, 40));
-        const Encoded e = encode(c.text, with_destination({.languages = c.languages,
-                                                            .reference_16bit = c.reference_16bit}));
+        const Encoded e =
+            encode(c.text, with_destination({.languages = c.languages, .reference_16bit = c.reference_16bit}));
         ASSERT_EQ(e.result, SMS_PDU_OK);
         EXPECT_EQ(e.allocations, 0u);
         ASSERT_EQ(e.count, c.parts);
@@ -203,10 +205,18 @@ TEST(PduEncode, RefusesBadInputAndLeavesThePartsAlone)
          4,
          SMS_PDU_ERR_BAD_VALIDITY,
          0},
-        {"29 February of a common year", "a", {.validity = absolute({23, 2, 29, 0, 0, 0, 0})}, 4,
-         SMS_PDU_ERR_BAD_VALIDITY, 0},
-        {"zone of 80 quarter hours", "a", {.validity = absolute({24, 1, 1, 0, 0, 0, 80})}, 4,
-         SMS_PDU_ERR_BAD_VALIDITY, 0},
+        {"29 February of a common year",
+         "a",
+         {.validity = absolute({23, 2, 29, 0, 0, 0, 0})},
+         4,
+         SMS_PDU_ERR_BAD_VALIDITY,
+         0},
+        {"zone of 80 quarter hours",
+         "a",
+         {.validity = absolute({24, 1, 1, 0, 0, 0, 80})},
+         4,
+         SMS_PDU_ERR_BAD_VALIDITY,
+         0},
         {"more than max_parts", times("a", 161), {.max_parts = 1}, 4, SMS_PDU_ERR_TOO_MANY_PARTS, 2},
         {"more than 255 parts", times("a", 153 * 255 + 1), {}, 4, SMS_PDU_ERR_TOO_MANY_PARTS, 256},
         {"fewer records than parts", times("a", 161), {}, 1, SMS_PDU_ERR_NO_ROOM, 2},
@@ -237,13 +247,13 @@ TEST(PduEncode, RoundsRelativeValidityUpToAValueThatCanBeSent)
         std::uint32_t seconds;
         std::uint8_t vp;
     } cases[] = {
-        {0, 0},         {300, 0},       {301, 1},         {43200, 143},      {43201, 144},
-        {86400, 167},   {86401, 168},   {30 * 86400, 196}, {30 * 86400 + 1, 197}, {63u * 7 * 86400, 255},
+        {0, 0},       {300, 0},     {301, 1},          {43200, 143},          {43201, 144},
+        {86400, 167}, {86401, 168}, {30 * 86400, 196}, {30 * 86400 + 1, 197}, {63u * 7 * 86400, 255},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.seconds);
-        const Encoded e = encode(
-            "a", with_destination({.validity = {.format = SMS_PDU_VP_RELATIVE, .relative_seconds = c.seconds}}));
+        const Encoded e =
+            encode("a", with_destination({.validity = {.format = SMS_PDU_VP_RELATIVE, .relative_seconds = c.seconds}}));
         ASSERT_EQ(e.result, SMS_PDU_OK);
         EXPECT_EQ(e.parts[0].octets[8], c.vp);  // after 00, first octet, TP-MR, 01 81 F0, TP-PID, TP-DCS
     }

@@ -101,15 +101,15 @@ struct Store {
     char text_buffer[256];
     sms_reasm_message out{};
     std::string log;
-    bool describing = true; // off where a test counts heap allocations
+    bool describing = true;  // off where a test counts heap allocations
     int handed_over = 0;
 };
 
 struct Step {
     PartWanted part;
     uint64_t now;
-    int result;             // of the add, or the count expired when expire is set
-    const char *log = "";   // messages completed or handed over by this step
+    int result;            // of the add, or the count expired when expire is set
+    const char *log = "";  // messages completed or handed over by this step
     bool expire = false;
 };
 
@@ -145,30 +145,40 @@ INSTANTIATE_TEST_SUITE_P(
                 {{.number = 1, .text = "a"}, 6, SMS_REASM_STORED},
                 {{.number = 1, .text = "x"}, 7, SMS_REASM_DUPLICATE},
                 {{.number = 2, .text = "b"}, 8, SMS_REASM_COMPLETE, "done +111 7: 'abc' 2001;"}}},
-        Script{"KeysKeepMessagesApart",
-               8,
-               {{{.from = "+111", .total = 2, .number = 1, .text = "a"}, 0, SMS_REASM_STORED},
-                {{.from = "+222", .total = 2, .number = 1, .text = "x"}, 0, SMS_REASM_STORED},
-                {{.from = "+111", .reference = 8, .total = 2, .number = 2, .text = "q"}, 0, SMS_REASM_STORED},
-                {{.total = 2, .number = 2, .text = "w", .bits = 16}, 0, SMS_REASM_STORED},
-                {{.total = 2, .number = 2, .text = "o", .kind = SMS_REASM_STORED_OUTGOING}, 0, SMS_REASM_STORED},
-                {{.total = 3, .number = 2, .text = "t"}, 0, SMS_REASM_STORED},
-                {{.from = "+222", .total = 2, .number = 2, .text = "y"}, 0, SMS_REASM_COMPLETE, "done +222 7: 'xy' 2001;"},
-                {{.total = 2, .number = 2, .text = "b"}, 0, SMS_REASM_COMPLETE, "done +111 7: 'ab' 2001;"}}},
+        Script{
+            "KeysKeepMessagesApart",
+            8,
+            {{{.from = "+111", .total = 2, .number = 1, .text = "a"}, 0, SMS_REASM_STORED},
+             {{.from = "+222", .total = 2, .number = 1, .text = "x"}, 0, SMS_REASM_STORED},
+             {{.from = "+111", .reference = 8, .total = 2, .number = 2, .text = "q"}, 0, SMS_REASM_STORED},
+             {{.total = 2, .number = 2, .text = "w", .bits = 16}, 0, SMS_REASM_STORED},
+             {{.total = 2, .number = 2, .text = "o", .kind = SMS_REASM_STORED_OUTGOING}, 0, SMS_REASM_STORED},
+             {{.total = 3, .number = 2, .text = "t"}, 0, SMS_REASM_STORED},
+             {{.from = "+222", .total = 2, .number = 2, .text = "y"}, 0, SMS_REASM_COMPLETE, "done +222 7: 'xy' 2001;"},
+             {{.total = 2, .number = 2, .text = "b"}, 0, SMS_REASM_COMPLETE, "done +111 7: 'ab' 2001;"}}},
         Script{"SixteenBitReference",
                4,
                {{{.reference = 0x1234, .total = 2, .number = 2, .text = "b", .bits = 16}, 0, SMS_REASM_STORED},
-                {{.reference = 0x1234, .total = 2, .number = 1, .text = "a", .bits = 16}, 0, SMS_REASM_COMPLETE,
+                {{.reference = 0x1234, .total = 2, .number = 1, .text = "a", .bits = 16},
+                 0,
+                 SMS_REASM_COMPLETE,
                  "done +111 4660: 'ab' 2001;"}}},
         Script{"EmojiCutBetweenParts",
                4,
                {{{.total = 2, .number = 2, .text = "\xED\xB8\x80!"}, 0, SMS_REASM_STORED},
-                {{.total = 2, .number = 1, .text = "hi \xED\xA0\xBD"}, 0, SMS_REASM_COMPLETE,
+                {{.total = 2, .number = 1, .text = "hi \xED\xA0\xBD"},
+                 0,
+                 SMS_REASM_COMPLETE,
                  "done +111 7: 'hi \xF0\x9F\x98\x80!' 2001;"}}},
         Script{"LoneHalvesBecomeReplacementCharacters",
                4,
-               {{{.text = "\xED\xB8\x80" "a\xED\xA0\xBD", .concatenated = 0}, 0, SMS_REASM_COMPLETE,
-                 "done +111 0: '\xEF\xBF\xBD" "a\xEF\xBF\xBD' 2001;"},
+               {{{.text = "\xED\xB8\x80"
+                          "a\xED\xA0\xBD",
+                  .concatenated = 0},
+                 0,
+                 SMS_REASM_COMPLETE,
+                 "done +111 0: '\xEF\xBF\xBD"
+                 "a\xEF\xBF\xBD' 2001;"},
                 {{.number = 1, .text = "x\xED\xA0\xBD"}, 0, SMS_REASM_STORED},
                 {{.number = 3, .text = "\xED\xB8\x80y"}, 10, SMS_REASM_STORED},
                 {{}, 59, 0, "", true},
@@ -177,11 +187,17 @@ INSTANTIATE_TEST_SUITE_P(
                2,
                {{{.from = "+1", .total = 2, .number = 2, .text = "a2"}, 0, SMS_REASM_STORED},
                 {{.from = "+2", .total = 2, .number = 1, .text = "b1"}, 1, SMS_REASM_STORED},
-                {{.from = "+3", .total = 2, .number = 1, .text = "c1"}, 2, SMS_REASM_FULL,
+                {{.from = "+3", .total = 2, .number = 1, .text = "c1"},
+                 2,
+                 SMS_REASM_FULL,
                  "evicted +1 7 missing 1: 'a2' 2002;"},
-                {{.from = "+1", .total = 2, .number = 1, .text = "a1"}, 3, SMS_REASM_FULL,
+                {{.from = "+1", .total = 2, .number = 1, .text = "a1"},
+                 3,
+                 SMS_REASM_FULL,
                  "evicted +2 7 missing 2: 'b1' 2001;"},
-                {{.from = "+3", .total = 2, .number = 2, .text = "c2"}, 4, SMS_REASM_COMPLETE,
+                {{.from = "+3", .total = 2, .number = 2, .text = "c2"},
+                 4,
+                 SMS_REASM_COMPLETE,
                  "done +3 7: 'c1c2' 2001;"}}},
         // Four parts of at most 16 bytes each: each refusal changes nothing.
         Script{"RefusedParts",
@@ -230,7 +246,7 @@ TEST(Reassembly, TextTooLongForTheRecordChangesNothing)
     Store s;
     s.add({.total = 2, .number = 1, .text = "abc"});
     const sms_reasm_stats before = s.stats();
-    s.out.text_capacity = 5; // "abcde" needs its NUL too
+    s.out.text_capacity = 5;  // "abcde" needs its NUL too
     EXPECT_EQ(s.add({.total = 2, .number = 2, .text = "de"}), SMS_REASM_TEXT_TOO_LONG);
     EXPECT_EQ(s.out.text_length, 5U);
     const sms_reasm_stats unchanged = s.stats();
@@ -283,7 +299,9 @@ TEST(Reassembly, DamagedStateIsRefusedWhole)
         std::vector<uint8_t> flipped = image;
         flipped[n] ^= 0x01;
         const int result = sms_reasm_load_state(after.store, 0, flipped.data(), flipped.size());
-        EXPECT_TRUE(result == SMS_REASM_ERR_STATE_DAMAGED || ((n == 4 || n == 5) && result == SMS_REASM_ERR_STATE_VERSION)) << n;
+        EXPECT_TRUE(result == SMS_REASM_ERR_STATE_DAMAGED ||
+                    ((n == 4 || n == 5) && result == SMS_REASM_ERR_STATE_VERSION))
+            << n;
         ASSERT_EQ(after.stats().pending_messages, 0U) << n;
     }
 }
@@ -312,7 +330,8 @@ TEST(Reassembly, ForgedStateIsRefusedWhole)
         std::vector<uint8_t> forged = image;
         forged[e.offset] = e.value;
         const uint32_t crc = smsutil::reassembly::crc32(forged.data(), forged.size() - 4);
-        for (int k = 0; k < 4; ++k) forged[forged.size() - 4 + static_cast<size_t>(k)] = static_cast<uint8_t>(crc >> (8 * k));
+        for (int k = 0; k < 4; ++k)
+            forged[forged.size() - 4 + static_cast<size_t>(k)] = static_cast<uint8_t>(crc >> (8 * k));
         Store after;
         EXPECT_EQ(sms_reasm_load_state(after.store, 0, forged.data(), forged.size()), e.result) << e.offset;
         EXPECT_EQ(after.stats().pending_messages, 0U) << e.offset;
@@ -346,12 +365,12 @@ TEST(Reassembly, PartsFromTheMessageInterface)
         uint32_t state, flag;
         uint16_t mr;
         uint8_t kind, concatenated, bits;
-        bool record; // through the decoder's record instead of an SmsMessage
+        bool record;  // through the decoder's record instead of an SmsMessage
     };
-    for (const Case &c : {Case{1, 1, 92, SMS_REASM_RECEIVED, 1, 8, false},
-                          Case{3, 1, 0x1234, SMS_REASM_STORED_OUTGOING, 1, 16, false},
-                          Case{2, 0, 5, SMS_REASM_STORED_OUTGOING, 0, 0, false},
-                          Case{2, 1, 0x34, SMS_REASM_STORED_OUTGOING, 1, 16, true}}) {
+    for (const Case &c :
+         {Case{1, 1, 92, SMS_REASM_RECEIVED, 1, 8, false}, Case{3, 1, 0x1234, SMS_REASM_STORED_OUTGOING, 1, 16, false},
+          Case{2, 0, 5, SMS_REASM_STORED_OUTGOING, 0, 0, false},
+          Case{2, 1, 0x34, SMS_REASM_STORED_OUTGOING, 1, 16, true}}) {
         SmsMessage m{};
         m.state = c.state;
         m.sms_flag_type = c.flag;
@@ -400,4 +419,4 @@ TEST(Reassembly, EveryPartIsAccountedFor)
     }
 }
 
-} // namespace
+}  // namespace

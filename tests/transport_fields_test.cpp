@@ -8,8 +8,8 @@
 
 #include "common/octets.hpp"
 #include "smsutil/wms_ts.h"
-#include "transport/codec_internal.hpp"
 #include "support/support.hpp"
+#include "transport/codec_internal.hpp"
 
 namespace {
 
@@ -63,7 +63,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         KnownAddress{"odd_bcd", bcd_address({1, 2, 3, 4, 5}), {0x05, 0x91, 0x21, 0x43, 0xF5}},
         KnownAddress{"even_bcd_national", bcd_address({0, 7, 9, 1}, WMS_NUMBER_NATIONAL, 1), {0x04, 0xA1, 0x70, 0x19}},
-        KnownAddress{"star_hash_letters", bcd_address({10, 11, 12, 13, 14}, WMS_NUMBER_UNKNOWN, 0),
+        KnownAddress{"star_hash_letters",
+                     bcd_address({10, 11, 12, 13, 14}, WMS_NUMBER_UNKNOWN, 0),
                      {0x05, 0x80, 0xBA, 0xDC, 0xFE}},
         KnownAddress{"empty", bcd_address({}, WMS_NUMBER_UNKNOWN, 0), {0x00, 0x80}},
         KnownAddress{"alphanumeric", text_address("Alpha1"), {0x0B, 0xD0, 0x41, 0x36, 0x1C, 0x1D, 0x8E, 0x01}},
@@ -156,28 +157,26 @@ TEST_P(Dcs, OctetAndRecordMatch)
 
 INSTANTIATE_TEST_SUITE_P(
     Octets, Dcs,
-    ::testing::Values(DcsCase{"general_7bit", 0x00, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
-                      DcsCase{"general_ucs2", 0x08, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}},
-                      DcsCase{"general_8bit_class_2", 0x16, {2, 0, WMS_ALPHABET_8BIT, WMS_DCS_GENERAL, 0, 0}},
-                      DcsCase{"class_0_7bit", 0x10, {0, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
-                      DcsCase{"class_1_7bit", 0x11, {1, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
-                      DcsCase{"compressed_ucs2", 0x28, {4, 1, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}, kEncodeOnly},
-                      DcsCase{"reserved_alphabet_is_7bit", 0x0C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0},
-                              kDecodeOnly},
-                      DcsCase{"automatic_deletion_defaults", 0x4C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0},
-                              kDecodeOnly},
-                      DcsCase{"class_group_8bit", 0xF6, {2, 0, WMS_ALPHABET_8BIT, WMS_DCS_CLASS_GROUP, 0, 0}},
-                      DcsCase{"class_group_8bit_class_3", 0xF7, {3, 0, WMS_ALPHABET_8BIT, WMS_DCS_CLASS_GROUP, 0, 0}},
-                      DcsCase{"class_group_7bit", 0xF1, {1, 0, WMS_ALPHABET_GSM7, WMS_DCS_CLASS_GROUP, 0, 0}},
-                      DcsCase{"class_group_ucs2_as_7bit", 0xF1, {1, 0, WMS_ALPHABET_UCS2, WMS_DCS_CLASS_GROUP, 0, 0},
-                              kEncodeOnly},
-                      DcsCase{"discard_active_voicemail", 0xC8, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_DISCARD, 1, 0}},
-                      DcsCase{"discard_email", 0xCA, {4, 0, 0, WMS_DCS_MWI_DISCARD, 1, 2}},
-                      DcsCase{"store_inactive_fax", 0xD1, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_STORE, 0, 1}},
-                      DcsCase{"store_7bit_other", 0xD3, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_STORE, 0, 3}},
-                      DcsCase{"store_ucs2_email", 0xEA, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_MWI_STORE, 1, 2}},
-                      DcsCase{"store_ucs2_fax", 0xE9, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_MWI_STORE, 1, 1}},
-                      DcsCase{"unknown_group", 0xE0, {4, 0, 0, 9, 2, 0}, kEncodeOnly}),
+    ::testing::Values(
+        DcsCase{"general_7bit", 0x00, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
+        DcsCase{"general_ucs2", 0x08, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}},
+        DcsCase{"general_8bit_class_2", 0x16, {2, 0, WMS_ALPHABET_8BIT, WMS_DCS_GENERAL, 0, 0}},
+        DcsCase{"class_0_7bit", 0x10, {0, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
+        DcsCase{"class_1_7bit", 0x11, {1, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
+        DcsCase{"compressed_ucs2", 0x28, {4, 1, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}, kEncodeOnly},
+        DcsCase{"reserved_alphabet_is_7bit", 0x0C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}, kDecodeOnly},
+        DcsCase{"automatic_deletion_defaults", 0x4C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}, kDecodeOnly},
+        DcsCase{"class_group_8bit", 0xF6, {2, 0, WMS_ALPHABET_8BIT, WMS_DCS_CLASS_GROUP, 0, 0}},
+        DcsCase{"class_group_8bit_class_3", 0xF7, {3, 0, WMS_ALPHABET_8BIT, WMS_DCS_CLASS_GROUP, 0, 0}},
+        DcsCase{"class_group_7bit", 0xF1, {1, 0, WMS_ALPHABET_GSM7, WMS_DCS_CLASS_GROUP, 0, 0}},
+        DcsCase{"class_group_ucs2_as_7bit", 0xF1, {1, 0, WMS_ALPHABET_UCS2, WMS_DCS_CLASS_GROUP, 0, 0}, kEncodeOnly},
+        DcsCase{"discard_active_voicemail", 0xC8, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_DISCARD, 1, 0}},
+        DcsCase{"discard_email", 0xCA, {4, 0, 0, WMS_DCS_MWI_DISCARD, 1, 2}},
+        DcsCase{"store_inactive_fax", 0xD1, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_STORE, 0, 1}},
+        DcsCase{"store_7bit_other", 0xD3, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_STORE, 0, 3}},
+        DcsCase{"store_ucs2_email", 0xEA, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_MWI_STORE, 1, 2}},
+        DcsCase{"store_ucs2_fax", 0xE9, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_MWI_STORE, 1, 1}},
+        DcsCase{"unknown_group", 0xE0, {4, 0, 0, 9, 2, 0}, kEncodeOnly}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(DcsEdge, DecodeKeepsMwiFieldsOutsideTheMwiGroups)
@@ -231,18 +230,18 @@ TEST_P(TimestampRefuses, AtTheFirstBadFieldKeepingEarlierOctets)
     for (size_t i = 0; i < out.size(); ++i) EXPECT_EQ(out[i] == 0xEE, i >= GetParam().written) << i;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Fields, TimestampRefuses,
-    ::testing::Values(BadField{"year_not_bcd", stamp(0x1A, 1, 1, 0, 0, 0, 0), 0},
-                      BadField{"month_zero", stamp(0x24, 0x00, 1, 0, 0, 0, 0), 1},
-                      BadField{"month_13", stamp(0x24, 0x13, 1, 0, 0, 0, 0), 1},
-                      BadField{"day_32", stamp(0x24, 0x01, 0x32, 0, 0, 0, 0), 2},
-                      BadField{"hour_24", stamp(0x24, 0x01, 0x01, 0x24, 0, 0, 0), 3},
-                      BadField{"minute_60", stamp(0x24, 0x01, 0x01, 0x23, 0x60, 0, 0), 4},
-                      BadField{"second_not_bcd", stamp(0x24, 0x01, 0x01, 0x23, 0x59, 0x5F, 0), 5},
-                      BadField{"zone_49", stamp(0x24, 0x01, 0x01, 0x23, 0x59, 0x59, 49), 6},
-                      BadField{"zone_minus_49", stamp(0x24, 0x01, 0x01, 0x23, 0x59, 0x59, -49), 6}),
-    [](const auto &info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Fields, TimestampRefuses,
+                         ::testing::Values(BadField{"year_not_bcd", stamp(0x1A, 1, 1, 0, 0, 0, 0), 0},
+                                           BadField{"month_zero", stamp(0x24, 0x00, 1, 0, 0, 0, 0), 1},
+                                           BadField{"month_13", stamp(0x24, 0x13, 1, 0, 0, 0, 0), 1},
+                                           BadField{"day_32", stamp(0x24, 0x01, 0x32, 0, 0, 0, 0), 2},
+                                           BadField{"hour_24", stamp(0x24, 0x01, 0x01, 0x24, 0, 0, 0), 3},
+                                           BadField{"minute_60", stamp(0x24, 0x01, 0x01, 0x23, 0x60, 0, 0), 4},
+                                           BadField{"second_not_bcd", stamp(0x24, 0x01, 0x01, 0x23, 0x59, 0x5F, 0), 5},
+                                           BadField{"zone_49", stamp(0x24, 0x01, 0x01, 0x23, 0x59, 0x59, 49), 6},
+                                           BadField{"zone_minus_49", stamp(0x24, 0x01, 0x01, 0x23, 0x59, 0x59, -49),
+                                                    6}),
+                         [](const auto &info) { return std::string(info.param.name); });
 
 struct StampCase {
     const char *name;
@@ -274,19 +273,31 @@ TEST_P(Timestamp, OctetsAndTimeMatch)
 INSTANTIATE_TEST_SUITE_P(
     Octets, Timestamp,
     ::testing::Values(
-        StampCase{"zone_minus_8", {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x88}, stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, -8)},
+        StampCase{
+            "zone_minus_8", {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x88}, stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, -8)},
         StampCase{"zone_plus_8", {0x00, 0x10, 0x10, 0x00, 0x00, 0x00, 0x80}, stamp(0, 1, 1, 0, 0, 0, 8)},
         // 48: units 8 high, tens 4 low, sign bit
         StampCase{"widest_zone", {0x00, 0x10, 0x10, 0x00, 0x00, 0x00, 0x8C}, stamp(0, 1, 1, 0, 0, 0, -48)},
-        StampCase{"negative_zone", {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x2B}, stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, -32)},
-        StampCase{"positive_zone", {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x23}, stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, 32)},
-        StampCase{"minus_zero", {0x20, 0x80, 0x62, 0x91, 0x73, 0x14, 0x08}, stamp(0x02, 0x08, 0x26, 0x19, 0x37, 0x41, 0),
+        StampCase{"negative_zone",
+                  {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x2B},
+                  stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, -32)},
+        StampCase{
+            "positive_zone", {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x23}, stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, 32)},
+        StampCase{"minus_zero",
+                  {0x20, 0x80, 0x62, 0x91, 0x73, 0x14, 0x08},
+                  stamp(0x02, 0x08, 0x26, 0x19, 0x37, 0x41, 0),
                   kDecodeOnly},
-        StampCase{"zone_49_becomes_0", {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x94},
-                  stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, 0), kDecodeOnly},
-        StampCase{"month_13_becomes_1", {0x42, 0x31, 0x13, 0x32, 0x95, 0x85, 0x00},
-                  stamp(0x24, 0x01, 0x31, 0x23, 0x59, 0x58, 0), kDecodeOnly},
-        StampCase{"all_bad", {0xFF, 0x00, 0x00, 0x42, 0x06, 0xA0, 0xFF}, stamp(0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0),
+        StampCase{"zone_49_becomes_0",
+                  {0x42, 0x21, 0x13, 0x32, 0x95, 0x85, 0x94},
+                  stamp(0x24, 0x12, 0x31, 0x23, 0x59, 0x58, 0),
+                  kDecodeOnly},
+        StampCase{"month_13_becomes_1",
+                  {0x42, 0x31, 0x13, 0x32, 0x95, 0x85, 0x00},
+                  stamp(0x24, 0x01, 0x31, 0x23, 0x59, 0x58, 0),
+                  kDecodeOnly},
+        StampCase{"all_bad",
+                  {0xFF, 0x00, 0x00, 0x42, 0x06, 0xA0, 0xFF},
+                  stamp(0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0),
                   kDecodeOnly}),
     [](const auto &info) { return std::string(info.param.name); });
 
@@ -316,22 +327,18 @@ TEST_P(RelativeTimeEncode, GivesTheRelativeOctet)
 
 INSTANTIATE_TEST_SUITE_P(
     Durations, RelativeTimeEncode,
-    ::testing::Values(RelCase{"zero_is_longest", duration(0, 0, 0, 0, 0), 255},
-                      RelCase{"one_minute", duration(0, 0, 0, 0, 1), 0},
-                      RelCase{"five_minutes", duration(0, 0, 0, 0, 5), 0},
-                      RelCase{"six_minutes", duration(0, 0, 0, 0, 6), 1},
-                      RelCase{"one_hour", duration(0, 0, 0, 1, 0), 11},
-                      RelCase{"twelve_hours", duration(0, 0, 0, 12, 0), 143},
-                      RelCase{"twelve_hours_one_minute", duration(0, 0, 0, 12, 1), 144},
-                      RelCase{"twelve_and_a_half_hours", duration(0, 0, 0, 12, 30), 144},
-                      RelCase{"twenty_four_hours", duration(0, 0, 0, 24, 0), 167},
-                      RelCase{"one_day", duration(0, 0, 1, 0, 0), 167},
-                      RelCase{"thirty_days", duration(0, 0, 30, 0, 0), 196},
-                      RelCase{"one_month", duration(0, 1, 0, 0, 0), 196},
-                      RelCase{"thirty_one_days", duration(0, 0, 31, 0, 0), 197},
-                      RelCase{"sixty_three_weeks", duration(0, 14, 21, 0, 0), 255},
-                      RelCase{"past_sixty_three_weeks_wraps", duration(1, 3, 0, 0, 0), 1},
-                      RelCase{"bad_bcd_counts_as_zero", wms_timestamp{0, 0, 0xAA, 0, 0x0F, 0, 0}, 255}),
+    ::testing::Values(
+        RelCase{"zero_is_longest", duration(0, 0, 0, 0, 0), 255}, RelCase{"one_minute", duration(0, 0, 0, 0, 1), 0},
+        RelCase{"five_minutes", duration(0, 0, 0, 0, 5), 0}, RelCase{"six_minutes", duration(0, 0, 0, 0, 6), 1},
+        RelCase{"one_hour", duration(0, 0, 0, 1, 0), 11}, RelCase{"twelve_hours", duration(0, 0, 0, 12, 0), 143},
+        RelCase{"twelve_hours_one_minute", duration(0, 0, 0, 12, 1), 144},
+        RelCase{"twelve_and_a_half_hours", duration(0, 0, 0, 12, 30), 144},
+        RelCase{"twenty_four_hours", duration(0, 0, 0, 24, 0), 167}, RelCase{"one_day", duration(0, 0, 1, 0, 0), 167},
+        RelCase{"thirty_days", duration(0, 0, 30, 0, 0), 196}, RelCase{"one_month", duration(0, 1, 0, 0, 0), 196},
+        RelCase{"thirty_one_days", duration(0, 0, 31, 0, 0), 197},
+        RelCase{"sixty_three_weeks", duration(0, 14, 21, 0, 0), 255},
+        RelCase{"past_sixty_three_weeks_wraps", duration(1, 3, 0, 0, 0), 1},
+        RelCase{"bad_bcd_counts_as_zero", wms_timestamp{0, 0, 0xAA, 0, 0x0F, 0, 0}, 255}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(RelativeTime, EveryOctetSurvivesDecodeThenEncode)

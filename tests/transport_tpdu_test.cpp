@@ -16,7 +16,8 @@ using namespace smsutil::test;
 std::string address_of(const wms_address &a)
 {
     std::string s = std::to_string(a.number_type) + "/" + std::to_string(a.number_plan) + ":";
-    for (int i = 0; i < a.number_of_digits && i < WMS_ADDRESS_DIGITS_SIZE; ++i) s += "0123456789*#abcf"[a.digits[i] & 0x0F];
+    for (int i = 0; i < a.number_of_digits && i < WMS_ADDRESS_DIGITS_SIZE; ++i)
+        s += "0123456789*#abcf"[a.digits[i] & 0x0F];
     return s;
 }
 std::string time_of(const wms_timestamp &t)
@@ -108,36 +109,47 @@ TEST_P(RealPdu, DecodesToItsFieldsAndEncodesBack)
 
 INSTANTIATE_TEST_SUITE_P(
     Tpdus, RealPdu,
-    ::testing::Values(
-        Pdu{"deliver", kDeliver, "04" HOW_ADDR HOW_TAIL, "0000 " HOW_FIELDS},
-        Pdu{"deliver_more_to_send", kDeliver, "00" HOW_ADDR HOW_TAIL, "1000 " HOW_FIELDS},
-        Pdu{"deliver_sri", kDeliver, "24" HOW_ADDR HOW_TAIL, "0100 " HOW_FIELDS},
-        Pdu{"deliver_reply_path", kDeliver, "84" HOW_ADDR HOW_TAIL, "0001 " HOW_FIELDS},
-        // A return-call PID marks voicemail waiting; it goes out again in the store group.
-        Pdu{"deliver_return_call", kDeliver, "04" HOW_ADDR "5F00208062917314400CC8F71D14969741F977FD07",
-            "0000 1/1:31641600986 pid 95 dcs 0/4/2/10 020826193741+4 ud 486F772061726520796F753F",
-            "04" HOW_ADDR "5FD8208062917314400CC8F71D14969741F977FD07"},
-        // The store group has no 8-bit form: 8-bit return call data settles on UCS-2 store.
-        Pdu{"deliver_return_call_8bit", kDeliver, "040281215F04321101210000000" "24142",
-            "0000 0/1:12 pid 95 dcs 1/4/2/10 231110120000+0 ud 4241", "040281215FE83211012100000002" "4142"},
-        Pdu{"deliver_ucs2_store", kDeliver, "040281215FE8321101210000000" "24142",
-            "0000 0/1:12 pid 95 dcs 2/4/2/10 231110120000+0 ud 4241"},
-        Pdu{"submit", kSubmit, "11000B916407281553F80000AA0AE8329BFD4697D9EC37",
-            "0000 mr 0 1/1:46708251358 dcs 0/4/0/00 vp 2 000004000000+0 ud 68656C6C6F68656C6C6F"},
-        Pdu{"submit_concat_8bit", kSubmit, "51000B916407281553F80000AA0C050003120301D06536FB0D",
-            "0010 mr 0 1/1:46708251358 dcs 0/4/0/00 vp 2 000004000000+0 ud h0 68656C6C6F"},
-        Pdu{"submit_concat_16bit", kSubmit, "51000B916407281553F80000AA0D06080412340202E8329BFD06",
-            "0010 mr 0 1/1:46708251358 dcs 0/4/0/00 vp 2 000004000000+0 ud h8 68656C6C6F"},
-        Pdu{"submit_no_validity", kSubmit, "0100048121430000" "0168",
-            "0000 mr 0 0/1:1234 dcs 0/4/0/00 vp 0 000000000000+0 ud 68"},
-        Pdu{"submit_absolute_validity", kSubmit, "1900048121430000" "62101241000004" "0168",
-            "0000 mr 0 0/1:1234 dcs 0/4/0/00 vp 3 260121140000+40 ud 68"},
-        Pdu{"report_ends_after_status", kReport, REPORT, REPORT_FIELDS "0 pid 0 dcs 0/0/0/00 ud "},
-        Pdu{"report_pi_ff_means_none", kReport, REPORT "FF7F", REPORT_FIELDS "0 pid 0 dcs 0/0/0/00 ud "},
-        Pdu{"report_pid_only", kReport, REPORT "0141", REPORT_FIELDS "1 pid 65 dcs 0/0/0/00 ud "},
-        Pdu{"report_all_three_ucs2", kReport, REPORT "070008040041004200",
-            REPORT_FIELDS "7 pid 0 dcs 2/4/0/00 ud 41004200"},
-        Pdu{"report_text_without_dcs_is_7bit", kReport, REPORT "0402E834", REPORT_FIELDS "4 pid 0 dcs 0/0/0/00 ud 6869"}),
+    ::testing::Values(Pdu{"deliver", kDeliver, "04" HOW_ADDR HOW_TAIL, "0000 " HOW_FIELDS},
+                      Pdu{"deliver_more_to_send", kDeliver, "00" HOW_ADDR HOW_TAIL, "1000 " HOW_FIELDS},
+                      Pdu{"deliver_sri", kDeliver, "24" HOW_ADDR HOW_TAIL, "0100 " HOW_FIELDS},
+                      Pdu{"deliver_reply_path", kDeliver, "84" HOW_ADDR HOW_TAIL, "0001 " HOW_FIELDS},
+                      // A return-call PID marks voicemail waiting; it goes out again in the store group.
+                      Pdu{"deliver_return_call", kDeliver, "04" HOW_ADDR "5F00208062917314400CC8F71D14969741F977FD07",
+                          "0000 1/1:31641600986 pid 95 dcs 0/4/2/10 020826193741+4 ud 486F772061726520796F753F",
+                          "04" HOW_ADDR "5FD8208062917314400CC8F71D14969741F977FD07"},
+                      // The store group has no 8-bit form: 8-bit return call data settles on UCS-2 store.
+                      Pdu{"deliver_return_call_8bit", kDeliver,
+                          "040281215F04321101210000000"
+                          "24142",
+                          "0000 0/1:12 pid 95 dcs 1/4/2/10 231110120000+0 ud 4241",
+                          "040281215FE83211012100000002"
+                          "4142"},
+                      Pdu{"deliver_ucs2_store", kDeliver,
+                          "040281215FE8321101210000000"
+                          "24142",
+                          "0000 0/1:12 pid 95 dcs 2/4/2/10 231110120000+0 ud 4241"},
+                      Pdu{"submit", kSubmit, "11000B916407281553F80000AA0AE8329BFD4697D9EC37",
+                          "0000 mr 0 1/1:46708251358 dcs 0/4/0/00 vp 2 000004000000+0 ud 68656C6C6F68656C6C6F"},
+                      Pdu{"submit_concat_8bit", kSubmit, "51000B916407281553F80000AA0C050003120301D06536FB0D",
+                          "0010 mr 0 1/1:46708251358 dcs 0/4/0/00 vp 2 000004000000+0 ud h0 68656C6C6F"},
+                      Pdu{"submit_concat_16bit", kSubmit, "51000B916407281553F80000AA0D06080412340202E8329BFD06",
+                          "0010 mr 0 1/1:46708251358 dcs 0/4/0/00 vp 2 000004000000+0 ud h8 68656C6C6F"},
+                      Pdu{"submit_no_validity", kSubmit,
+                          "0100048121430000"
+                          "0168",
+                          "0000 mr 0 0/1:1234 dcs 0/4/0/00 vp 0 000000000000+0 ud 68"},
+                      Pdu{"submit_absolute_validity", kSubmit,
+                          "1900048121430000"
+                          "62101241000004"
+                          "0168",
+                          "0000 mr 0 0/1:1234 dcs 0/4/0/00 vp 3 260121140000+40 ud 68"},
+                      Pdu{"report_ends_after_status", kReport, REPORT, REPORT_FIELDS "0 pid 0 dcs 0/0/0/00 ud "},
+                      Pdu{"report_pi_ff_means_none", kReport, REPORT "FF7F", REPORT_FIELDS "0 pid 0 dcs 0/0/0/00 ud "},
+                      Pdu{"report_pid_only", kReport, REPORT "0141", REPORT_FIELDS "1 pid 65 dcs 0/0/0/00 ud "},
+                      Pdu{"report_all_three_ucs2", kReport, REPORT "070008040041004200",
+                          REPORT_FIELDS "7 pid 0 dcs 2/4/0/00 ud 41004200"},
+                      Pdu{"report_text_without_dcs_is_7bit", kReport, REPORT "0402E834",
+                          REPORT_FIELDS "4 pid 0 dcs 0/0/0/00 ud 6869"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 struct Refusal {
@@ -167,10 +179,16 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Refusal{"deliver_address_of_21", kDeliver, "0415911346610089F6" HOW_TAIL, WMS_TS_STATUS_BAD_ADDRESS},
         Refusal{"deliver_cut_in_time", kDeliver, "04" HOW_ADDR "000020806291", WMS_TS_STATUS_BAD_TIME},
-        Refusal{"deliver_no_udl", kDeliver, "04" HOW_ADDR "00002080629173140" "8", WMS_TS_STATUS_BAD_USER_DATA_LENGTH},
+        Refusal{"deliver_no_udl", kDeliver,
+                "04" HOW_ADDR "00002080629173140"
+                "8",
+                WMS_TS_STATUS_BAD_USER_DATA_LENGTH},
         Refusal{"deliver_text_short", kDeliver, "04" HOW_ADDR "0000208062917314080CC8F71D14969741F977FD",
                 WMS_TS_STATUS_BAD_USER_DATA_LENGTH},
-        Refusal{"submit_enhanced_validity", kSubmit, "0900048121430000AA62101241000001" "68", WMS_TS_STATUS_BAD_TIME},
+        Refusal{"submit_enhanced_validity", kSubmit,
+                "0900048121430000AA62101241000001"
+                "68",
+                WMS_TS_STATUS_BAD_TIME},
         Refusal{"report_cut_in_address", kReport, "06450B9113466100", WMS_TS_STATUS_BAD_ADDRESS},
         Refusal{"report_cut_in_scts", kReport, "06450B911346610089F620806291", WMS_TS_STATUS_BAD_TIME},
         Refusal{"report_cut_in_dt", kReport, "06450B911346610089F6208062917314082080629173", WMS_TS_STATUS_BAD_TIME},

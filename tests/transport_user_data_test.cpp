@@ -10,14 +10,12 @@
 #include <vector>
 
 #include "smsutil/wms_ts.h"
-#include "transport/codec_internal.hpp"
 #include "support/support.hpp"
+#include "transport/codec_internal.hpp"
 
 namespace {
 
 using namespace smsutil::test;
-
-
 
 wms_udh concat8(uint8_t ref, uint8_t total, uint8_t seq)
 {
@@ -79,17 +77,16 @@ TEST_P(HeaderEncode, WritesUdhlAndElements)
 
 INSTANTIATE_TEST_SUITE_P(
     Headers, HeaderEncode,
-    ::testing::Values(
-        HeaderCase{"concat_8bit", {concat8(0x12, 3, 1)}, {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}},
-        HeaderCase{"concat_16bit", {concat16(0x1234, 2, 2)}, {0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02}},
-        HeaderCase{"invalid_concat_left_out", {concat8(1, 3, 4)}, {0x00}},
-        HeaderCase{"zero_total_left_out_others_kept",
-                   {concat8(1, 0, 0), national(WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT, 1)},
-                   {0x03, 0x25, 0x01, 0x01}},
-        HeaderCase{"concat_and_single_shift",
-                   {concat8(7, 2, 1), national(WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT, 2)},
-                   {0x08, 0x00, 0x03, 0x07, 0x02, 0x01, 0x24, 0x01, 0x02}},
-        HeaderCase{"raw_port_element", {port_element()}, {0x06, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0}}),
+    ::testing::Values(HeaderCase{"concat_8bit", {concat8(0x12, 3, 1)}, {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}},
+                      HeaderCase{"concat_16bit", {concat16(0x1234, 2, 2)}, {0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02}},
+                      HeaderCase{"invalid_concat_left_out", {concat8(1, 3, 4)}, {0x00}},
+                      HeaderCase{"zero_total_left_out_others_kept",
+                                 {concat8(1, 0, 0), national(WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT, 1)},
+                                 {0x03, 0x25, 0x01, 0x01}},
+                      HeaderCase{"concat_and_single_shift",
+                                 {concat8(7, 2, 1), national(WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT, 2)},
+                                 {0x08, 0x00, 0x03, 0x07, 0x02, 0x01, 0x24, 0x01, 0x02}},
+                      HeaderCase{"raw_port_element", {port_element()}, {0x06, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(HeaderEncodeEdge, NoElementsWriteNothing)
@@ -153,26 +150,32 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         HeaderDecodeCase{"concat_8bit", {0x05, 0x00, 0x03, 0x12, 0x03, 0x01}, 5, 1, "The num headers is 1"},
         HeaderDecodeCase{"single_shift", {0x03, 0x24, 0x01, 0x02}, 3, 1, ""},
-        HeaderDecodeCase{"octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0xEE,
-                         "The num headers is 0"},
+        HeaderDecodeCase{
+            "octet_left_over", {0x06, 0x00, 0x03, 0x12, 0x03, 0x01, 0x00}, 0, 0xEE, "The num headers is 0"},
         HeaderDecodeCase{"port_element_first", {0x04, 0x04, 0x02, 0x10, 0x20}, 0, 0, ""},
         HeaderDecodeCase{"seq_above_total", {0x05, 0x00, 0x03, 0x12, 0x03, 0x04}, 0, 0, "The header_length is 0"},
         HeaderDecodeCase{"zero_iedl_concat", {0x05, 0x00, 0x00, 0x12, 0x03, 0x01}, 0, 0, ""},
         HeaderDecodeCase{"concat_past_udhl", {0x04, 0x00, 0x03, 0x12, 0x03, 0x01}, 0, 0xEE, "The header_length is 4"},
-        HeaderDecodeCase{"concat16_past_udhl", {0x05, 0x08, 0x04, 0x12, 0x34, 0x02, 0x01}, 0, 0xEE,
-                         "The header_length is 5"},
+        HeaderDecodeCase{
+            "concat16_past_udhl", {0x05, 0x08, 0x04, 0x12, 0x34, 0x02, 0x01}, 0, 0xEE, "The header_length is 5"},
         HeaderDecodeCase{"port_after_concat_kept",
-                         {0x0B, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0}, 11, 2, ""},
-        HeaderDecodeCase{"other_iedl_past_udhl", {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23},
-                         0, 0xEE, "The num headers is 0"},
+                         {0x0B, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23, 0xF0},
+                         11,
+                         2,
+                         ""},
+        HeaderDecodeCase{"other_iedl_past_udhl",
+                         {0x0A, 0x00, 0x03, 0x12, 0x03, 0x01, 0x05, 0x04, 0x0B, 0x84, 0x23},
+                         0,
+                         0xEE,
+                         "The num headers is 0"},
         HeaderDecodeCase{"udhl_zero", {0x00, 0x00}, 0, 0, ""},
         HeaderDecodeCase{"lone_iei", {0x01, 0x00}, 0, 0xEE, "The num headers is 0"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(HeaderDecodeEdge, ElementsAreStoredInWireOrder)
 {
-    const Octets wire{0x10, 0x08, 0x04, 0xAB, 0xCD, 0x05, 0x02, 0x25, 0x01, 0x01,
-                      0x01, 0x02, 0x80, 0x03, 0x24, 0x01, 0x02};
+    const Octets wire{0x10, 0x08, 0x04, 0xAB, 0xCD, 0x05, 0x02, 0x25, 0x01,
+                      0x01, 0x01, 0x02, 0x80, 0x03, 0x24, 0x01, 0x02};
     // 0x01 (special SM) after supported ones is kept raw but never under
     // its own identifier, whose layout it does not have.
     std::array<wms_udh, WMS_UDH_MAX_IES> slots{};
@@ -254,9 +257,15 @@ using Decoder = uint8_t (*)(const uint8_t *);  // from the IEI
 enum Way { kBoth, kEncodeOnly, kDecodeOnly };
 
 template <uint8_t (*F)(const uint8_t *)>
-uint8_t from_iedl(const uint8_t *iei) { return F(iei + 1); }
+uint8_t from_iedl(const uint8_t *iei)
+{
+    return F(iei + 1);
+}
 template <int First>
-uint8_t eo_from_iedl(const uint8_t *iei) { return wms_ts_decode_udh_eo(iei + 1, First); }
+uint8_t eo_from_iedl(const uint8_t *iei)
+{
+    return wms_ts_decode_udh_eo(iei + 1, First);
+}
 
 wms_udh element(uint16_t id, const std::function<void(wms_udh &)> &fill)
 {
@@ -272,8 +281,8 @@ struct ElementCase {
     Encoder encode;
     Decoder decode;
     wms_udh record;
-    Octets wire;             // IEI first; empty when the encoder refuses the record
-    uint8_t decoded;         // the decoder's result
+    Octets wire;      // IEI first; empty when the encoder refuses the record
+    uint8_t decoded;  // the decoder's result
     Way way = kBoth;
     std::function<void(wms_udh &)> back = nullptr;  // what decoding adds to the record
 };
@@ -323,25 +332,53 @@ Octets with_tail(Octets head, std::size_t n, uint8_t fill)
 INSTANTIATE_TEST_SUITE_P(
     Kinds, Element,
     ::testing::Values(
-        ElementCase{"special_sm_store", wms_ts_encode_udh_special_sm, from_iedl<wms_ts_decode_udh_special_sm>,
-                    element(WMS_UDH_SPECIAL_SM, [](wms_udh &e) { e.u.special_sm = {WMS_DCS_MWI_STORE, 1, 5}; }),
-                    {0x01, 0x02, 0x81, 0x05}, 3},
-        ElementCase{"special_sm_discard", wms_ts_encode_udh_special_sm, from_iedl<wms_ts_decode_udh_special_sm>,
-                    element(WMS_UDH_SPECIAL_SM, [](wms_udh &e) { e.u.special_sm = {WMS_DCS_MWI_DISCARD, 2, 1}; }),
-                    {0x01, 0x02, 0x02, 0x01}, 3},
-        ElementCase{"special_sm_cut", nullptr, from_iedl<wms_ts_decode_udh_special_sm>, {}, {0x01, 0x01, 0x81}, 0,
-                    kDecodeOnly},
-        ElementCase{"text_formatting", wms_ts_encode_udh_text_formatting,
-                    from_iedl<wms_ts_decode_udh_text_formatting>,
-                    element(WMS_UDH_TEXT_FORMATTING, [](wms_udh &e) { e.u.text_formatting = {2, 10, 1, 2, 1, 0, 1, 0}; }),
-                    {0x0A, 0x03, 0x02, 0x0A, 0x59}, 4},
-        ElementCase{"text_formatting_reserved_size", nullptr, from_iedl<wms_ts_decode_udh_text_formatting>,
-                    element(WMS_UDH_TEXT_FORMATTING, [](wms_udh &e) { e.u.text_formatting = {0, 1, 3, 0, 0, 0, 0, 1}; }),
-                    {0x0A, 0x03, 0x00, 0x01, 0x8F}, 4, kDecodeOnly},
-        ElementCase{"pre_def_sound", wms_ts_encode_udh_pre_def_sound, from_iedl<wms_ts_decode_udh_pre_def_sound>,
-                    element(WMS_UDH_PRE_DEF_SOUND, [](wms_udh &e) { e.u.pre_def_sound = {4, 9}; }),
-                    {0x0B, 0x02, 0x04, 0x09}, 3},
-        ElementCase{"user_def_sound", wms_ts_encode_udh_user_def_sound, from_iedl<wms_ts_decode_udh_user_def_sound>,
+        ElementCase{"special_sm_store",
+                    wms_ts_encode_udh_special_sm,
+                    from_iedl<wms_ts_decode_udh_special_sm>,
+                    element(WMS_UDH_SPECIAL_SM,
+                            [](wms_udh &e) {
+                                e.u.special_sm = {WMS_DCS_MWI_STORE, 1, 5};
+                            }),
+                    {0x01, 0x02, 0x81, 0x05},
+                    3},
+        ElementCase{"special_sm_discard",
+                    wms_ts_encode_udh_special_sm,
+                    from_iedl<wms_ts_decode_udh_special_sm>,
+                    element(WMS_UDH_SPECIAL_SM,
+                            [](wms_udh &e) {
+                                e.u.special_sm = {WMS_DCS_MWI_DISCARD, 2, 1};
+                            }),
+                    {0x01, 0x02, 0x02, 0x01},
+                    3},
+        ElementCase{
+            "special_sm_cut", nullptr, from_iedl<wms_ts_decode_udh_special_sm>, {}, {0x01, 0x01, 0x81}, 0, kDecodeOnly},
+        ElementCase{
+            "text_formatting",
+            wms_ts_encode_udh_text_formatting,
+            from_iedl<wms_ts_decode_udh_text_formatting>,
+            element(WMS_UDH_TEXT_FORMATTING, [](wms_udh &e) { e.u.text_formatting = {2, 10, 1, 2, 1, 0, 1, 0}; }),
+            {0x0A, 0x03, 0x02, 0x0A, 0x59},
+            4},
+        ElementCase{
+            "text_formatting_reserved_size",
+            nullptr,
+            from_iedl<wms_ts_decode_udh_text_formatting>,
+            element(WMS_UDH_TEXT_FORMATTING, [](wms_udh &e) { e.u.text_formatting = {0, 1, 3, 0, 0, 0, 0, 1}; }),
+            {0x0A, 0x03, 0x00, 0x01, 0x8F},
+            4,
+            kDecodeOnly},
+        ElementCase{"pre_def_sound",
+                    wms_ts_encode_udh_pre_def_sound,
+                    from_iedl<wms_ts_decode_udh_pre_def_sound>,
+                    element(WMS_UDH_PRE_DEF_SOUND,
+                            [](wms_udh &e) {
+                                e.u.pre_def_sound = {4, 9};
+                            }),
+                    {0x0B, 0x02, 0x04, 0x09},
+                    3},
+        ElementCase{"user_def_sound",
+                    wms_ts_encode_udh_user_def_sound,
+                    from_iedl<wms_ts_decode_udh_user_def_sound>,
                     element(WMS_UDH_USER_DEF_SOUND,
                             [](wms_udh &e) {
                                 e.u.user_def_sound.data_length = 3;
@@ -349,23 +386,47 @@ INSTANTIATE_TEST_SUITE_P(
                                 e.u.user_def_sound.user_def_sound[0] = 0xA1;
                                 e.u.user_def_sound.user_def_sound[2] = 0xA3;
                             }),
-                    {0x0C, 0x04, 0x07, 0xA1, 0x00, 0xA3}, 5, kBoth,
+                    {0x0C, 0x04, 0x07, 0xA1, 0x00, 0xA3},
+                    5,
+                    kBoth,
                     // the unused rest of the melody reads as 0xFF
                     [](wms_udh &e) {
                         std::memset(e.u.user_def_sound.user_def_sound + 3, 0xFF,
                                     sizeof e.u.user_def_sound.user_def_sound - 3);
                     }},
-        ElementCase{"user_def_sound_too_long", wms_ts_encode_udh_user_def_sound, nullptr,
-                    element(WMS_UDH_USER_DEF_SOUND, [](wms_udh &e) { e.u.user_def_sound.data_length = 129; }), {}, 0,
+        ElementCase{"user_def_sound_too_long",
+                    wms_ts_encode_udh_user_def_sound,
+                    nullptr,
+                    element(WMS_UDH_USER_DEF_SOUND, [](wms_udh &e) { e.u.user_def_sound.data_length = 129; }),
+                    {},
+                    0,
                     kEncodeOnly},
-        ElementCase{"user_def_sound_over_128", nullptr, from_iedl<wms_ts_decode_udh_user_def_sound>, {},
-                    with_tail({0x0C, 130}, 130, 1), 0, kDecodeOnly},
-        ElementCase{"pre_def_anim", wms_ts_encode_udh_pre_def_anim, from_iedl<wms_ts_decode_udh_pre_def_anim>,
-                    element(WMS_UDH_PRE_DEF_ANIM, [](wms_udh &e) { e.u.pre_def_anim = {1, 14}; }),
-                    {0x0D, 0x02, 0x01, 0x0E}, 3},
-        ElementCase{"pre_def_anim_zero_iedl", nullptr, from_iedl<wms_ts_decode_udh_pre_def_anim>, {}, {0x0D, 0x00}, 0,
+        ElementCase{"user_def_sound_over_128",
+                    nullptr,
+                    from_iedl<wms_ts_decode_udh_user_def_sound>,
+                    {},
+                    with_tail({0x0C, 130}, 130, 1),
+                    0,
                     kDecodeOnly},
-        ElementCase{"var_picture", wms_ts_encode_udh_var_picture, from_iedl<wms_ts_decode_udh_var_picture>,
+        ElementCase{"pre_def_anim",
+                    wms_ts_encode_udh_pre_def_anim,
+                    from_iedl<wms_ts_decode_udh_pre_def_anim>,
+                    element(WMS_UDH_PRE_DEF_ANIM,
+                            [](wms_udh &e) {
+                                e.u.pre_def_anim = {1, 14};
+                            }),
+                    {0x0D, 0x02, 0x01, 0x0E},
+                    3},
+        ElementCase{"pre_def_anim_zero_iedl",
+                    nullptr,
+                    from_iedl<wms_ts_decode_udh_pre_def_anim>,
+                    {},
+                    {0x0D, 0x00},
+                    0,
+                    kDecodeOnly},
+        ElementCase{"var_picture",
+                    wms_ts_encode_udh_var_picture,
+                    from_iedl<wms_ts_decode_udh_var_picture>,
                     element(WMS_UDH_VAR_PICTURE,
                             [](wms_udh &e) {
                                 e.u.var_picture.position = 3;
@@ -373,14 +434,19 @@ INSTANTIATE_TEST_SUITE_P(
                                 e.u.var_picture.height = 3;
                                 for (int i = 0; i < 6; ++i) e.u.var_picture.data[i] = static_cast<uint8_t>(0x10 + i);
                             }),
-                    {0x12, 0x09, 0x03, 0x02, 0x03, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15}, 10},
-        ElementCase{"var_picture_above_134_octets", wms_ts_encode_udh_var_picture, nullptr,
+                    {0x12, 0x09, 0x03, 0x02, 0x03, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15},
+                    10},
+        ElementCase{"var_picture_above_134_octets",
+                    wms_ts_encode_udh_var_picture,
+                    nullptr,
                     element(WMS_UDH_VAR_PICTURE,
                             [](wms_udh &e) {
                                 e.u.var_picture.width = 248;
                                 e.u.var_picture.height = 5;  // 155 octets
                             }),
-                    {}, 0, kEncodeOnly},
+                    {},
+                    0,
+                    kEncodeOnly},
         ElementCase{"var_picture_clipped_to_134", nullptr, from_iedl<wms_ts_decode_udh_var_picture>,
                     element(WMS_UDH_VAR_PICTURE,
                             [](wms_udh &e) {
@@ -389,10 +455,15 @@ INSTANTIATE_TEST_SUITE_P(
                                 std::memset(e.u.var_picture.data, 2, 134);
                             }),
                     with_tail({0x12, 140, 0, 20, 7}, 137, 2), 4 + 134, kDecodeOnly},
-        ElementCase{"user_prompt", wms_ts_encode_udh_user_prompt, from_iedl<wms_ts_decode_udh_user_prompt>,
+        ElementCase{"user_prompt",
+                    wms_ts_encode_udh_user_prompt,
+                    from_iedl<wms_ts_decode_udh_user_prompt>,
                     element(WMS_UDH_USER_PROMPT, [](wms_udh &e) { e.u.user_prompt.number_of_objects = 2; }),
-                    {0x13, 0x01, 0x02}, 2},
-        ElementCase{"eo_first_segment", wms_ts_encode_udh_eo, eo_from_iedl<1>,
+                    {0x13, 0x01, 0x02},
+                    2},
+        ElementCase{"eo_first_segment",
+                    wms_ts_encode_udh_eo,
+                    eo_from_iedl<1>,
                     element(WMS_UDH_EO,
                             [](wms_udh &e) {
                                 e.u.eo.content_length = 2;
@@ -405,21 +476,29 @@ INSTANTIATE_TEST_SUITE_P(
                                 e.u.eo.type = 0xFF;
                                 e.u.eo.position = 0x0102;
                             }),
-                    {0x14, 0x09, 0x07, 0x12, 0x34, 0x01, 0xFF, 0x01, 0x02, 0xC0, 0xC1}, 10},
-        ElementCase{"eo_type_keeps_its_low_octet", wms_ts_encode_udh_eo, nullptr,
+                    {0x14, 0x09, 0x07, 0x12, 0x34, 0x01, 0xFF, 0x01, 0x02, 0xC0, 0xC1},
+                    10},
+        ElementCase{"eo_type_keeps_its_low_octet",
+                    wms_ts_encode_udh_eo,
+                    nullptr,
                     element(WMS_UDH_EO,
                             [](wms_udh &e) {
                                 e.u.eo.first_segment = 1;
                                 e.u.eo.type = 0x1FF;
                             }),
-                    {0x14, 0x07, 0x00, 0x00, 0x00, 0x00, 0xFF, 0x00, 0x00}, 0, kEncodeOnly},
-        ElementCase{"eo_later_segment", wms_ts_encode_udh_eo, eo_from_iedl<0>,
+                    {0x14, 0x07, 0x00, 0x00, 0x00, 0x00, 0xFF, 0x00, 0x00},
+                    0,
+                    kEncodeOnly},
+        ElementCase{"eo_later_segment",
+                    wms_ts_encode_udh_eo,
+                    eo_from_iedl<0>,
                     element(WMS_UDH_EO,
                             [](wms_udh &e) {
                                 e.u.eo.content_length = 1;
                                 e.u.eo.content[0] = 0xC0;
                             }),
-                    {0x14, 0x01, 0xC0}, 2},
+                    {0x14, 0x01, 0xC0},
+                    2},
         // IEDL 137 is the longest an object may announce; content holds 136
         // octets, so the last one goes out as 0.
         ElementCase{"eo_later_segment_of_137", wms_ts_encode_udh_eo, nullptr,
@@ -430,8 +509,8 @@ INSTANTIATE_TEST_SUITE_P(
                                 e.u.eo.first_segment = 0x3C;
                             }),
                     with_tail(with_tail({0x14, 0x89}, WMS_UDH_EO_CONTENT_SIZE, 0x3C), 1, 0), 0, kEncodeOnly},
-        ElementCase{"eo_first_segment_short", nullptr, eo_from_iedl<1>, {}, {0x14, 0x06, 1, 2, 3, 4, 5, 6}, 0,
-                    kDecodeOnly},
+        ElementCase{
+            "eo_first_segment_short", nullptr, eo_from_iedl<1>, {}, {0x14, 0x06, 1, 2, 3, 4, 5, 6}, 0, kDecodeOnly},
         ElementCase{"eo_content_136", nullptr, eo_from_iedl<0>,
                     element(WMS_UDH_EO,
                             [](wms_udh &e) {
@@ -440,18 +519,27 @@ INSTANTIATE_TEST_SUITE_P(
                             }),
                     with_tail({0x14, 136}, 136, 0x55), 137, kDecodeOnly},
         ElementCase{"eo_content_137", nullptr, eo_from_iedl<0>, {}, with_tail({0x14, 137}, 137, 0x55), 0, kDecodeOnly},
-        ElementCase{"eo_first_above_137", wms_ts_encode_udh_eo, nullptr,
+        ElementCase{"eo_first_above_137",
+                    wms_ts_encode_udh_eo,
+                    nullptr,
                     element(WMS_UDH_EO,
                             [](wms_udh &e) {
                                 e.u.eo.first_segment = 1;
                                 e.u.eo.content_length = 131;
                             }),
-                    {}, 0, kEncodeOnly},
-        ElementCase{"rfc822", wms_ts_encode_udh_rfc822, from_iedl<wms_ts_decode_udh_rfc822>,
-                    element(WMS_UDH_RFC822, [](wms_udh &e) { e.u.rfc822.header_length = 40; }), {0x20, 0x01, 0x28}, 2},
-        ElementCase{"rfc822_zero_iedl", nullptr, from_iedl<wms_ts_decode_udh_rfc822>, {}, {0x20, 0x00}, 0,
-                    kDecodeOnly},
-        ElementCase{"other", wms_ts_encode_udh_other, wms_ts_decode_udh_other,
+                    {},
+                    0,
+                    kEncodeOnly},
+        ElementCase{"rfc822",
+                    wms_ts_encode_udh_rfc822,
+                    from_iedl<wms_ts_decode_udh_rfc822>,
+                    element(WMS_UDH_RFC822, [](wms_udh &e) { e.u.rfc822.header_length = 40; }),
+                    {0x20, 0x01, 0x28},
+                    2},
+        ElementCase{"rfc822_zero_iedl", nullptr, from_iedl<wms_ts_decode_udh_rfc822>, {}, {0x20, 0x00}, 0, kDecodeOnly},
+        ElementCase{"other",
+                    wms_ts_encode_udh_other,
+                    wms_ts_decode_udh_other,
                     element(0x70,
                             [](wms_udh &e) {
                                 e.u.other.other_id = 0x70;
@@ -459,12 +547,28 @@ INSTANTIATE_TEST_SUITE_P(
                                 e.u.other.data[0] = 0xD0;
                                 e.u.other.data[1] = 0xD1;
                             }),
-                    {0x70, 0x02, 0xD0, 0xD1}, 4},
-        ElementCase{"other_id_is_its_low_octet", wms_ts_encode_udh_other, nullptr,
-                    element(0x70, [](wms_udh &e) { e.u.other.other_id = 0x170; }), {0x70, 0x00}, 0, kEncodeOnly},
-        ElementCase{"other_above_137_octets", wms_ts_encode_udh_other, nullptr,
-                    element(0x70, [](wms_udh &e) { e.u.other.header_length = 138; }), {}, 0, kEncodeOnly},
-        ElementCase{"other_over_137_refused", nullptr, wms_ts_decode_udh_other, {}, with_tail({0x70, 138}, 138, 3), 0,
+                    {0x70, 0x02, 0xD0, 0xD1},
+                    4},
+        ElementCase{"other_id_is_its_low_octet",
+                    wms_ts_encode_udh_other,
+                    nullptr,
+                    element(0x70, [](wms_udh &e) { e.u.other.other_id = 0x170; }),
+                    {0x70, 0x00},
+                    0,
+                    kEncodeOnly},
+        ElementCase{"other_above_137_octets",
+                    wms_ts_encode_udh_other,
+                    nullptr,
+                    element(0x70, [](wms_udh &e) { e.u.other.header_length = 138; }),
+                    {},
+                    0,
+                    kEncodeOnly},
+        ElementCase{"other_over_137_refused",
+                    nullptr,
+                    wms_ts_decode_udh_other,
+                    {},
+                    with_tail({0x70, 138}, 138, 3),
+                    0,
                     kDecodeOnly}),
     [](const auto &info) { return std::string(info.param.name); });
 
@@ -546,7 +650,6 @@ TEST(ElementEdge, RefusedObjectIsLeftOutOfTheHeader)
     EXPECT_EQ(header[1], 0);
 }
 
-
 wms_gw_dcs dcs_of(uint8_t alphabet)
 {
     wms_gw_dcs dcs{};
@@ -608,44 +711,91 @@ const Octets kPastUdl{0x03, 0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xE8, 0x32};
 
 INSTANTIATE_TEST_SUITE_P(
     Data, UserData,
-    ::testing::Values(
-        UserDataCase{"gsm7_plain", WMS_ALPHABET_GSM7, false, text_data(chars("hellohello")),
-                     {0x0A, 0xE8, 0x32, 0x9B, 0xFD, 0x46, 0x97, 0xD9, 0xEC, 0x37}},
-        UserDataCase{"gsm7_after_8bit_concat_one_fill_bit", WMS_ALPHABET_GSM7, true,
-                     text_data(chars("hello"), {concat8(0x12, 3, 1)}),
-                     {0x0C, 0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xD0, 0x65, 0x36, 0xFB, 0x0D}},
-        UserDataCase{"gsm7_after_16bit_concat_no_fill", WMS_ALPHABET_GSM7, true,
-                     text_data(chars("hello"), {concat16(0x1234, 2, 2)}),
-                     {0x0D, 0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02, 0xE8, 0x32, 0x9B, 0xFD, 0x06}},
-        UserDataCase{"gsm7_all_elements_left_out", WMS_ALPHABET_GSM7, true, text_data(chars("hi"), {concat8(1, 1, 2)}),
-                     {0x04, 0x00, 0x00, 0x3A, 0x0D}, kEncodeOnly},
-        UserDataCase{"gsm7_header_ignored_without_udhi", WMS_ALPHABET_GSM7, false, text_data({0x05, 0x00, 0x0C}),
-                     {0x03, 0x05, 0x00, 0x03}, kDecodeOnly},
-        UserDataCase{"gsm7_header_longer_than_udl", WMS_ALPHABET_GSM7, true, text_data({}, {concat16(0x1234, 2, 2)}),
-                     {0x07, 0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02}, kDecodeOnly},
-        UserDataCase{"gsm7_refused_header_reads_all", WMS_ALPHABET_GSM7, true, text_data({0x01, 0x00}),
-                     {0x02, 0x01, 0x00}, kDecodeOnly},
-        // TP-UDL 3 leaves no room for the header: it is kept, and there is no text.
-        UserDataCase{"gsm7_header_past_udl", WMS_ALPHABET_GSM7, true, text_data({}, {concat8(0x12, 3, 1)}), kPastUdl,
-                     kDecodeOnly, 6},
-        UserDataCase{"ucs2_header_past_udl", WMS_ALPHABET_UCS2, true, text_data({}, {concat8(0x12, 3, 1)}), kPastUdl,
-                     kDecodeOnly, 6},
-        UserDataCase{"ucs2_plain", WMS_ALPHABET_UCS2, false, text_data({0x41, 0x00, 0x42, 0x00}),
-                     {0x04, 0x00, 0x41, 0x00, 0x42}},
-        UserDataCase{"ucs2_after_concat", WMS_ALPHABET_UCS2, true, text_data({0x41, 0x00}, {concat8(9, 2, 2)}),
-                     {0x08, 0x05, 0x00, 0x03, 0x09, 0x02, 0x02, 0x00, 0x41}},
-        UserDataCase{"ucs2_zero_units_move_to_the_end", WMS_ALPHABET_UCS2, false,
-                     text_data({0x41, 0x00, 0x42, 0x00, 0x00, 0x00}), {0x06, 0x00, 0x41, 0x00, 0x00, 0x00, 0x42},
-                     kDecodeOnly},
-        UserDataCase{"ucs2_national_language_keeps_header", WMS_ALPHABET_UCS2, true,
-                     text_data({0x24, 0x03, 0x02, 0x01, 0x41, 0x00}, {national(WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT, 2)}),
-                     {0x06, 0x03, 0x24, 0x01, 0x02, 0x00, 0x41}, kDecodeOnly},
-        UserDataCase{"ucs2_udhl_zero_skips_one_octet", WMS_ALPHABET_UCS2, true, text_data({0x41, 0x00, 0x42, 0x00}),
-                     {0x05, 0x00, 0x00, 0x41, 0x00, 0x42}, kDecodeOnly},
-        UserDataCase{"8bit_odd_sends_the_next_octet", WMS_ALPHABET_8BIT, false, text_data({0x01, 0x02, 0x03}),
-                     {0x03, 0x02, 0x01, 0x00, 0x03}, kEncodeOnly},
-        UserDataCase{"8bit_refused_header_skips_one_octet", WMS_ALPHABET_8BIT, true,
-                     text_data({0x01, 0x05, 0x42, 0x00}), {0x05, 0x03, 0x05, 0x01, 0x00, 0x42}, kDecodeOnly}),
+    ::testing::Values(UserDataCase{"gsm7_plain",
+                                   WMS_ALPHABET_GSM7,
+                                   false,
+                                   text_data(chars("hellohello")),
+                                   {0x0A, 0xE8, 0x32, 0x9B, 0xFD, 0x46, 0x97, 0xD9, 0xEC, 0x37}},
+                      UserDataCase{"gsm7_after_8bit_concat_one_fill_bit",
+                                   WMS_ALPHABET_GSM7,
+                                   true,
+                                   text_data(chars("hello"), {concat8(0x12, 3, 1)}),
+                                   {0x0C, 0x05, 0x00, 0x03, 0x12, 0x03, 0x01, 0xD0, 0x65, 0x36, 0xFB, 0x0D}},
+                      UserDataCase{"gsm7_after_16bit_concat_no_fill",
+                                   WMS_ALPHABET_GSM7,
+                                   true,
+                                   text_data(chars("hello"), {concat16(0x1234, 2, 2)}),
+                                   {0x0D, 0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02, 0xE8, 0x32, 0x9B, 0xFD, 0x06}},
+                      UserDataCase{"gsm7_all_elements_left_out",
+                                   WMS_ALPHABET_GSM7,
+                                   true,
+                                   text_data(chars("hi"), {concat8(1, 1, 2)}),
+                                   {0x04, 0x00, 0x00, 0x3A, 0x0D},
+                                   kEncodeOnly},
+                      UserDataCase{"gsm7_header_ignored_without_udhi",
+                                   WMS_ALPHABET_GSM7,
+                                   false,
+                                   text_data({0x05, 0x00, 0x0C}),
+                                   {0x03, 0x05, 0x00, 0x03},
+                                   kDecodeOnly},
+                      UserDataCase{"gsm7_header_longer_than_udl",
+                                   WMS_ALPHABET_GSM7,
+                                   true,
+                                   text_data({}, {concat16(0x1234, 2, 2)}),
+                                   {0x07, 0x06, 0x08, 0x04, 0x12, 0x34, 0x02, 0x02},
+                                   kDecodeOnly},
+                      UserDataCase{"gsm7_refused_header_reads_all",
+                                   WMS_ALPHABET_GSM7,
+                                   true,
+                                   text_data({0x01, 0x00}),
+                                   {0x02, 0x01, 0x00},
+                                   kDecodeOnly},
+                      // TP-UDL 3 leaves no room for the header: it is kept, and there is no text.
+                      UserDataCase{"gsm7_header_past_udl", WMS_ALPHABET_GSM7, true,
+                                   text_data({}, {concat8(0x12, 3, 1)}), kPastUdl, kDecodeOnly, 6},
+                      UserDataCase{"ucs2_header_past_udl", WMS_ALPHABET_UCS2, true,
+                                   text_data({}, {concat8(0x12, 3, 1)}), kPastUdl, kDecodeOnly, 6},
+                      UserDataCase{"ucs2_plain",
+                                   WMS_ALPHABET_UCS2,
+                                   false,
+                                   text_data({0x41, 0x00, 0x42, 0x00}),
+                                   {0x04, 0x00, 0x41, 0x00, 0x42}},
+                      UserDataCase{"ucs2_after_concat",
+                                   WMS_ALPHABET_UCS2,
+                                   true,
+                                   text_data({0x41, 0x00}, {concat8(9, 2, 2)}),
+                                   {0x08, 0x05, 0x00, 0x03, 0x09, 0x02, 0x02, 0x00, 0x41}},
+                      UserDataCase{"ucs2_zero_units_move_to_the_end",
+                                   WMS_ALPHABET_UCS2,
+                                   false,
+                                   text_data({0x41, 0x00, 0x42, 0x00, 0x00, 0x00}),
+                                   {0x06, 0x00, 0x41, 0x00, 0x00, 0x00, 0x42},
+                                   kDecodeOnly},
+                      UserDataCase{"ucs2_national_language_keeps_header",
+                                   WMS_ALPHABET_UCS2,
+                                   true,
+                                   text_data({0x24, 0x03, 0x02, 0x01, 0x41, 0x00},
+                                             {national(WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT, 2)}),
+                                   {0x06, 0x03, 0x24, 0x01, 0x02, 0x00, 0x41},
+                                   kDecodeOnly},
+                      UserDataCase{"ucs2_udhl_zero_skips_one_octet",
+                                   WMS_ALPHABET_UCS2,
+                                   true,
+                                   text_data({0x41, 0x00, 0x42, 0x00}),
+                                   {0x05, 0x00, 0x00, 0x41, 0x00, 0x42},
+                                   kDecodeOnly},
+                      UserDataCase{"8bit_odd_sends_the_next_octet",
+                                   WMS_ALPHABET_8BIT,
+                                   false,
+                                   text_data({0x01, 0x02, 0x03}),
+                                   {0x03, 0x02, 0x01, 0x00, 0x03},
+                                   kEncodeOnly},
+                      UserDataCase{"8bit_refused_header_skips_one_octet",
+                                   WMS_ALPHABET_8BIT,
+                                   true,
+                                   text_data({0x01, 0x05, 0x42, 0x00}),
+                                   {0x05, 0x03, 0x05, 0x01, 0x00, 0x42},
+                                   kDecodeOnly}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(UserDataEncodeEdge, OctetDataStopsAtTheEndOfTheBuffer)
@@ -737,8 +887,7 @@ INSTANTIATE_TEST_SUITE_P(
                       PackCase{"eight_chars", "hellohel", 0, {0xE8, 0x32, 0x9B, 0xFD, 0x46, 0x97, 0xD9}},
                       PackCase{"one_fill_bit", "hello", 1, {0xD0, 0x65, 0x36, 0xFB, 0x0D}},
                       PackCase{"six_fill_bits", "hello", 6, {0x00, 0xBA, 0xCC, 0x66, 0xBF, 0x01}},
-                      PackCase{"fill_without_text", "", 3, {0x00}},
-                      PackCase{"nothing", "", 0, {}}),
+                      PackCase{"fill_without_text", "", 3, {0x00}}, PackCase{"nothing", "", 0, {}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(SeptetPacking, FillBitsKeepWhatTheCallerLeftInTheFirstOctet)

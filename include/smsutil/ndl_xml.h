@@ -48,8 +48,8 @@ SMSUTIL_BEGIN_DECLS
  * attribute hangs off its element's firstAttr list through nextSibling and
  * has the element as parent. */
 typedef struct XML_Node_s {
-    char *name;   /* local name (after the prefix's colon) */
-    char *value;  /* element text or attribute value, entities decoded */
+    char *name;  /* local name (after the prefix's colon) */
+    char *value; /* element text or attribute value, entities decoded */
     uint32_t kind;
     char *prefix; /* namespace prefix without the colon */
     struct XML_Node_s *parent;
@@ -93,8 +93,8 @@ SMSUTIL_API void XML_Free(void *ptr);
 /* All four required; otherwise XML_ERR_PARAM and the table is unchanged.
  * Memory allocated before a change is later released through the new
  * pfnFree. */
-SMSUTIL_API uint32_t NDL_XML_RegMemFunc(XML_MallocFunc pfnMalloc, XML_CallocFunc pfnCalloc,
-                                        XML_FreeFunc pfnFree, XML_ReallocFunc pfnRealloc);
+SMSUTIL_API uint32_t NDL_XML_RegMemFunc(XML_MallocFunc pfnMalloc, XML_CallocFunc pfnCalloc, XML_FreeFunc pfnFree,
+                                        XML_ReallocFunc pfnRealloc);
 /* Stores nothing: the library writes no diagnostics.  Always
  * XML_ERR_NOT_FOUND. */
 SMSUTIL_API uint32_t NDL_XML_RegDebugFunc(XML_DebugFunc pfnDebug);
@@ -108,14 +108,12 @@ SMSUTIL_API XML_Node *XML_NewNode(uint32_t kind);
 SMSUTIL_API char *XML_Strdup(const char *text);
 /* Copies the non-empty strings; replaces only those fields.  All or
  * nothing: XML_ERR_NO_MEMORY leaves the node unchanged. */
-SMSUTIL_API uint32_t XML_SetNode(XML_Node *node, const char *prefix, const char *name,
-                                 const char *value);
+SMSUTIL_API uint32_t XML_SetNode(XML_Node *node, const char *prefix, const char *name, const char *value);
 /* reserved must be 0.  Creates a detached element. */
-SMSUTIL_API uint32_t NDL_XML_CreateNode(uint32_t reserved, const char *prefix, const char *name,
-                                        const char *value, XML_Node **outNode);
+SMSUTIL_API uint32_t NDL_XML_CreateNode(uint32_t reserved, const char *prefix, const char *name, const char *value,
+                                        XML_Node **outNode);
 /* Per field: null leaves it, "" clears it, anything else replaces it. */
-SMSUTIL_API uint32_t NDL_XML_SetNode(XML_Node *node, const char *prefix, const char *name,
-                                     const char *value);
+SMSUTIL_API uint32_t NDL_XML_SetNode(XML_Node *node, const char *prefix, const char *name, const char *value);
 /* Releases the node's strings and record only. */
 SMSUTIL_API void XML_FreeSingleNode(XML_Node *node);
 /* Releases the node, every node after it through nextSibling, and all
@@ -125,9 +123,8 @@ SMSUTIL_API void XML_FreeNode(XML_Node *node);
 SMSUTIL_API void NDL_XML_FreeNode(XML_Node *node);
 
 /* Outputs are optional; strings point into the node. */
-SMSUTIL_API uint32_t NDL_XML_GetNodeValue(const XML_Node *node, uint32_t *outKind,
-                                          const char **outPrefix, const char **outName,
-                                          const char **outValue);
+SMSUTIL_API uint32_t NDL_XML_GetNodeValue(const XML_Node *node, uint32_t *outKind, const char **outPrefix,
+                                          const char **outName, const char **outValue);
 SMSUTIL_API XML_Node *NDL_XML_GetNodeParent(const XML_Node *node);
 SMSUTIL_API XML_Node *NDL_XML_GetNodeFirstChild(const XML_Node *node);
 SMSUTIL_API XML_Node *NDL_XML_GetNodeLastChild(const XML_Node *node);
@@ -152,26 +149,23 @@ SMSUTIL_API uint32_t NDL_XML_CloneNode(const XML_Node *source, XML_Node **outNod
 /* ---- Attributes ---- */
 SMSUTIL_API uint32_t NDL_XML_GetAttr(const XML_Node *element, const char *prefix, const char *name,
                                      const char **outValue);
-SMSUTIL_API uint32_t NDL_XML_GetFirstAttr(const XML_Node *element, const char **outPrefix,
-                                          const char **outName, const char **outValue);
-SMSUTIL_API uint32_t NDL_XML_GetNextSiblingAttr(const XML_Node *element, const char *prefix,
-                                                const char *name, const char **outPrefix,
-                                                const char **outName, const char **outValue);
+SMSUTIL_API uint32_t NDL_XML_GetFirstAttr(const XML_Node *element, const char **outPrefix, const char **outName,
+                                          const char **outValue);
+SMSUTIL_API uint32_t NDL_XML_GetNextSiblingAttr(const XML_Node *element, const char *prefix, const char *name,
+                                                const char **outPrefix, const char **outName, const char **outValue);
 /* Appends a fresh attribute node; XML_ERR_EXISTS for a duplicate. */
 SMSUTIL_API uint32_t XML_AddAttrNode(XML_Node *attribute, XML_Node *element);
-SMSUTIL_API uint32_t NDL_XML_AddAttr(XML_Node *element, const char *prefix, const char *name,
-                                     const char *value);
-SMSUTIL_API uint32_t NDL_XML_SetAttr(XML_Node *element, const char *prefix, const char *name,
-                                     const char *value);
+SMSUTIL_API uint32_t NDL_XML_AddAttr(XML_Node *element, const char *prefix, const char *name, const char *value);
+SMSUTIL_API uint32_t NDL_XML_SetAttr(XML_Node *element, const char *prefix, const char *name, const char *value);
 SMSUTIL_API uint32_t NDL_XML_RemoveAttr(XML_Node *element, const char *prefix, const char *name);
 
 /* ---- Typed values (type XML_VAL_*; the variable's width follows it) ---- */
 SMSUTIL_API uint32_t NDL_XML_GetNodeValueEx(const XML_Node *node, uint32_t type, void *outValue);
-SMSUTIL_API uint32_t NDL_XML_GetAttrValueEx(const XML_Node *element, const char *prefix,
-                                            const char *name, uint32_t type, void *outValue);
+SMSUTIL_API uint32_t NDL_XML_GetAttrValueEx(const XML_Node *element, const char *prefix, const char *name,
+                                            uint32_t type, void *outValue);
 SMSUTIL_API uint32_t NDL_XML_SetNodeValueEx(XML_Node *node, uint32_t type, const void *inValue);
-SMSUTIL_API uint32_t NDL_XML_SetAttrValueEx(XML_Node *element, const char *prefix,
-                                            const char *name, uint32_t type, const void *inValue);
+SMSUTIL_API uint32_t NDL_XML_SetAttrValueEx(XML_Node *element, const char *prefix, const char *name, uint32_t type,
+                                            const void *inValue);
 
 /* ---- Parser: the result is the first top-level element, further ones
  * follow it as siblings (XML_FreeNode releases them all) ---- */
@@ -181,8 +175,7 @@ SMSUTIL_API uint32_t NDL_XML_ParseFile(const char *path, XML_Node **outRoot);
 /* ---- Text buffer ---- */
 SMSUTIL_API void XML_MembufInit(XML_MemBuf *buffer);
 SMSUTIL_API void XML_MembufDestroy(XML_MemBuf *buffer);
-SMSUTIL_API uint32_t XML_MemBufInsert(XML_MemBuf *buffer, const char *source, uint32_t count,
-                                      uint32_t position);
+SMSUTIL_API uint32_t XML_MemBufInsert(XML_MemBuf *buffer, const char *source, uint32_t count, uint32_t position);
 SMSUTIL_API uint32_t XML_MemBufAppend(XML_MemBuf *buffer, const char *byte);
 SMSUTIL_API uint32_t XML_MemBufAppendStr(XML_MemBuf *buffer, const char *text);
 SMSUTIL_API uint32_t XML_MemBufAssign(XML_MemBuf *buffer, const char *source, uint32_t count);
@@ -199,8 +192,8 @@ SMSUTIL_API uint32_t NDL_XML_TransformFile(XML_Node *node, const char *path);
 SMSUTIL_API XML_Node *NDL_XML_FindNodeByName(const XML_Node *start, const char *path);
 /* First node of start's level named nodeName with an attribute attrName
  * (any prefix) equal to attrValue (any value when null). */
-SMSUTIL_API XML_Node *NDL_XML_FindNodeByAttr(const XML_Node *start, const char *nodeName,
-                                             const char *attrName, const char *attrValue);
+SMSUTIL_API XML_Node *NDL_XML_FindNodeByAttr(const XML_Node *start, const char *nodeName, const char *attrName,
+                                             const char *attrValue);
 /* Key forms: "a.b.c", "a.b[id]", "a.b[id=7]", "a.b[id=7][name]",
  * "a.b[id=7].c", "a.b[id=7].c[k=v].d".  0 with the selected text copied, or
  * -1 with outText emptied.  These two trust outText to hold the value:
@@ -208,10 +201,8 @@ SMSUTIL_API XML_Node *NDL_XML_FindNodeByAttr(const XML_Node *start, const char *
  * bytes including its terminator. */
 SMSUTIL_API int NDL_XML_GetNodeOrAttr_Node(const XML_Node *root, const char *key, char *outText);
 SMSUTIL_API int NDL_XML_GetNodeOrAttr(const char *file, const char *key, char *outText);
-SMSUTIL_API int NDL_XML_GetNodeOrAttr_NodeEx(const XML_Node *root, const char *key, char *outText,
-                                             size_t outSize);
-SMSUTIL_API int NDL_XML_GetNodeOrAttrEx(const char *file, const char *key, char *outText,
-                                        size_t outSize);
+SMSUTIL_API int NDL_XML_GetNodeOrAttr_NodeEx(const XML_Node *root, const char *key, char *outText, size_t outSize);
+SMSUTIL_API int NDL_XML_GetNodeOrAttrEx(const char *file, const char *key, char *outText, size_t outSize);
 /* URL path "root.child.name.3.p:leaf": the first component names node
  * itself, numbers are 1-based indexes among same-named siblings. */
 SMSUTIL_API uint32_t NDL_XML_GetNodeByUrl(XML_Node *node, const char *url, XML_Node **outNode);
@@ -219,8 +210,7 @@ SMSUTIL_API uint32_t NDL_XML_GetNodeByUrl(XML_Node *node, const char *url, XML_N
  * first top-level element's tree to outFile (which may be file).  On 0 the
  * node belongs to the library (the pointer is set to null); on -1 the
  * caller keeps it. */
-SMSUTIL_API int NDL_XML_AddNodeToFile(const char *file, const char *path, XML_Node **inOutNode,
-                                      const char *outFile);
+SMSUTIL_API int NDL_XML_AddNodeToFile(const char *file, const char *path, XML_Node **inOutNode, const char *outFile);
 
 SMSUTIL_END_DECLS
 

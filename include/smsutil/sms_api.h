@@ -29,7 +29,7 @@ SMSUTIL_BEGIN_DECLS
 
 /* Coding of a message text (SmsMessage.sms_content_code,
  * SmsMessageData.byCharset). */
-#define SMS_CONTENT_UCS2 0  /* UCS-2 on the air, UTF-8 in the record */
+#define SMS_CONTENT_UCS2 0 /* UCS-2 on the air, UTF-8 in the record */
 #define SMS_CONTENT_7BIT 1
 #define SMS_CONTENT_8BIT 2
 #define SMS_CONTENT_OTHER 3
@@ -180,8 +180,7 @@ SMSUTIL_API int32_t EWCheckDialNum(const char *pszDialNum, uint32_t maxLen);
 SMSUTIL_API int32_t ConstructAddressData(const char *pszAddress, SendOrWriteMsg *PstSendOrWriteMsg,
                                          wms_address *PstAddress);
 /* Service-centre number into the octets that prefix a PDU (01 81 when empty). */
-SMSUTIL_API int32_t ComposeSCAddrData(const char *pszAddr, SendOrWriteMsg *PstSendOrWriteMsg,
-                                      SmsOctetBuf *PstBuf);
+SMSUTIL_API int32_t ComposeSCAddrData(const char *pszAddr, SendOrWriteMsg *PstSendOrWriteMsg, SmsOctetBuf *PstBuf);
 /* Two hexadecimal characters into the service-centre length octet. */
 SMSUTIL_API int32_t TransformSCANum(const char *pSctemp, uint32_t *out);
 /* Service-centre number text from the hexadecimal address that starts at
@@ -218,8 +217,8 @@ SMSUTIL_API int32_t ComposeSms(const SmsMessage *pInputSms, SmsSendPdu *pOutputS
 
 /* ---- Compose steps ---- */
 
-SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *PstSendOrWriteMsg,
-                                     SmsOctetBuf *out, uint32_t *pdwErrCode);
+SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *PstSendOrWriteMsg, SmsOctetBuf *out,
+                                     uint32_t *pdwErrCode);
 SMSUTIL_API int32_t ConstructSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *PstSendOrWriteMsg,
                                        wms_gw_submit *submit);
 SMSUTIL_API int32_t MSEncodeSubmit(const wms_gw_submit *submit, wms_raw_tpdu *raw);

@@ -41,11 +41,11 @@ SMSUTIL_API int32_t gsm7_to_unicode(const uint8_t *pGSM_7Data, uint32_t dwInputL
                                     uint32_t *pdwOutputLen);
 /* Default-alphabet 7-bit codes to single-byte (ISO 8859-1) text; characters
  * above 0xFF become spaces; a zero byte follows the text. */
-SMSUTIL_API int32_t sms_gsm7_to_ascii(const uint8_t *pGSM_7Data, int32_t iInputLen, uint8_t *pAscii,
-                                      int32_t iBufLen, uint32_t *pdwOutputLen);
+SMSUTIL_API int32_t sms_gsm7_to_ascii(const uint8_t *pGSM_7Data, int32_t iInputLen, uint8_t *pAscii, int32_t iBufLen,
+                                      uint32_t *pdwOutputLen);
 /* Single-byte (ISO 8859-1) text to default-alphabet 7-bit codes. */
-SMSUTIL_API int32_t sms_ascii_to_gsm7(const uint8_t *pAscii, int32_t iInputLen, uint8_t *pGSM_7Data,
-                                      int32_t iBufLen, uint32_t *pdwOutputLen);
+SMSUTIL_API int32_t sms_ascii_to_gsm7(const uint8_t *pAscii, int32_t iInputLen, uint8_t *pGSM_7Data, int32_t iBufLen,
+                                      uint32_t *pdwOutputLen);
 
 /* Number of 16-bit units before the zero unit. */
 SMSUTIL_API int32_t sms_wcslen(const uint16_t *pUCS2);

@@ -47,11 +47,11 @@ typedef enum {
     SMS_PDU_ERR_TRUNCATED_USER_DATA_LENGTH = 22, /* TP-UDL, or TP-CDL of a COMMAND */
     SMS_PDU_ERR_TRUNCATED_USER_DATA = 23,        /* TP-UD, or TP-CD of a COMMAND */
     /* Encoding */
-    SMS_PDU_ERR_BAD_UTF8 = 30,         /* the text is not well-formed UTF-8 */
-    SMS_PDU_ERR_BAD_DESTINATION = 31,  /* empty, more than 20 digits, or a character that is no digit */
+    SMS_PDU_ERR_BAD_UTF8 = 30,        /* the text is not well-formed UTF-8 */
+    SMS_PDU_ERR_BAD_DESTINATION = 31, /* empty, more than 20 digits, or a character that is no digit */
     SMS_PDU_ERR_BAD_SERVICE_CENTRE = 32,
-    SMS_PDU_ERR_TOO_MANY_PARTS = 33,   /* the text needs more parts than allowed */
-    SMS_PDU_ERR_NO_ROOM = 34,          /* fewer part records than the text needs */
+    SMS_PDU_ERR_TOO_MANY_PARTS = 33, /* the text needs more parts than allowed */
+    SMS_PDU_ERR_NO_ROOM = 34,        /* fewer part records than the text needs */
     SMS_PDU_ERR_BAD_VALIDITY = 35,
     SMS_PDU_ERR_BAD_OPTIONS = 36
 } sms_pdu_result;
@@ -62,19 +62,14 @@ SMSUTIL_API const char *sms_pdu_result_text(int result);
 /* ---- Sizes (SMS_PDU_TEXT_SIZE belongs to the message interface) ---- */
 #define SMS_PDU_MAX_INPUT_OCTETS 400 /* longest PDU the decoders accept */
 #define SMS_PDU_MAX_DIGITS 20
-#define SMS_PDU_ADDRESS_SIZE 41      /* "+" and 20 digits, or 11 characters of up to 3 UTF-8 bytes */
-#define SMS_PDU_USER_DATA_SIZE 255   /* largest TP-UDL a PDU can announce */
-#define SMS_PDU_UTF8_SIZE 769        /* 255 septets of up to 3 UTF-8 bytes, and a terminating zero */
-#define SMS_PDU_MAX_ELEMENTS 127     /* as many elements as 254 header octets hold */
+#define SMS_PDU_ADDRESS_SIZE 41    /* "+" and 20 digits, or 11 characters of up to 3 UTF-8 bytes */
+#define SMS_PDU_USER_DATA_SIZE 255 /* largest TP-UDL a PDU can announce */
+#define SMS_PDU_UTF8_SIZE 769      /* 255 septets of up to 3 UTF-8 bytes, and a terminating zero */
+#define SMS_PDU_MAX_ELEMENTS 127   /* as many elements as 254 header octets hold */
 #define SMS_PDU_MAX_PROBLEMS 8
 
 /* ---- Field values ---- */
-typedef enum {
-    SMS_PDU_DELIVER = 0,
-    SMS_PDU_SUBMIT = 1,
-    SMS_PDU_STATUS_REPORT = 2,
-    SMS_PDU_COMMAND = 3
-} sms_pdu_kind;
+typedef enum { SMS_PDU_DELIVER = 0, SMS_PDU_SUBMIT = 1, SMS_PDU_STATUS_REPORT = 2, SMS_PDU_COMMAND = 3 } sms_pdu_kind;
 
 typedef enum { SMS_PDU_ALPHABET_GSM7 = 0, SMS_PDU_ALPHABET_8BIT = 1, SMS_PDU_ALPHABET_UCS2 = 2 } sms_pdu_alphabet;
 
@@ -125,14 +120,14 @@ SMSUTIL_API const char *sms_pdu_status_text(uint8_t status);
 /* ---- The decoded record ---- */
 
 typedef struct {
-    uint8_t type;                     /* type of number, 0..7; 1 international, 5 alphanumeric */
-    uint8_t plan;                     /* numbering plan, 0..15 */
-    char text[SMS_PDU_ADDRESS_SIZE];  /* digits (with "+" when international) or alphanumeric text, UTF-8 */
+    uint8_t type;                    /* type of number, 0..7; 1 international, 5 alphanumeric */
+    uint8_t plan;                    /* numbering plan, 0..15 */
+    char text[SMS_PDU_ADDRESS_SIZE]; /* digits (with "+" when international) or alphanumeric text, UTF-8 */
 } sms_pdu_address;
 
 typedef struct {
     uint8_t year, month, day, hour, minute, second; /* as sent: year 0..99 */
-    int8_t timezone;                                 /* quarter hours east of UTC, signed */
+    int8_t timezone;                                /* quarter hours east of UTC, signed */
 } sms_pdu_time;
 
 typedef struct {
@@ -147,10 +142,10 @@ typedef struct {
     uint8_t alphabet;      /* sms_pdu_alphabet */
     uint8_t message_class; /* 0..3, or SMS_PDU_CLASS_NONE */
     uint8_t compressed;
-    uint8_t auto_delete;   /* marked for deletion once read */
-    uint8_t mwi_group;     /* sms_pdu_mwi_group */
+    uint8_t auto_delete; /* marked for deletion once read */
+    uint8_t mwi_group;   /* sms_pdu_mwi_group */
     uint8_t mwi_active;
-    uint8_t mwi_type;      /* sms_pdu_mwi_type */
+    uint8_t mwi_type; /* sms_pdu_mwi_type */
 } sms_pdu_dcs;
 
 /* One information element of the user data header.  Its data are
@@ -162,22 +157,22 @@ typedef struct {
 } sms_pdu_element;
 
 typedef enum {
-    SMS_PDU_PROBLEM_UNKNOWN_LANGUAGE = 1,   /* shift to a language without a table: default table used */
-    SMS_PDU_PROBLEM_HEADER_OVERRUN = 2,     /* the header is longer than the user data; no text */
-    SMS_PDU_PROBLEM_ELEMENT_OVERRUN = 3,    /* an element runs past the header's end; it and later ones are left out */
-    SMS_PDU_PROBLEM_ELEMENT_LENGTH = 4,     /* a known element of the wrong length; listed, not interpreted */
-    SMS_PDU_PROBLEM_CONCATENATION = 5,      /* part number 0 or above the total; ignored */
-    SMS_PDU_PROBLEM_REPEATED_ELEMENT = 6,   /* a second element of one kind; the last one counts */
-    SMS_PDU_PROBLEM_USER_DATA_LENGTH = 7,   /* TP-UDL above 160 septets or 140 octets */
-    SMS_PDU_PROBLEM_TRAILING_OCTETS = 8,    /* octets after the user data */
-    SMS_PDU_PROBLEM_ESCAPE_AT_END = 9,      /* the 7-bit text ends with the escape */
+    SMS_PDU_PROBLEM_UNKNOWN_LANGUAGE = 1, /* shift to a language without a table: default table used */
+    SMS_PDU_PROBLEM_HEADER_OVERRUN = 2,   /* the header is longer than the user data; no text */
+    SMS_PDU_PROBLEM_ELEMENT_OVERRUN = 3,  /* an element runs past the header's end; it and later ones are left out */
+    SMS_PDU_PROBLEM_ELEMENT_LENGTH = 4,   /* a known element of the wrong length; listed, not interpreted */
+    SMS_PDU_PROBLEM_CONCATENATION = 5,    /* part number 0 or above the total; ignored */
+    SMS_PDU_PROBLEM_REPEATED_ELEMENT = 6, /* a second element of one kind; the last one counts */
+    SMS_PDU_PROBLEM_USER_DATA_LENGTH = 7, /* TP-UDL above 160 septets or 140 octets */
+    SMS_PDU_PROBLEM_TRAILING_OCTETS = 8,  /* octets after the user data */
+    SMS_PDU_PROBLEM_ESCAPE_AT_END = 9,    /* the 7-bit text ends with the escape */
     SMS_PDU_PROBLEM_UNDEFINED_EXTENSION = 10, /* escape and a code the table lacks: read from the main table */
-    SMS_PDU_PROBLEM_LONE_SURROGATE = 11,    /* UCS-2 surrogate half without its pair: U+FFFD */
-    SMS_PDU_PROBLEM_ODD_UCS2_LENGTH = 12,   /* UCS-2 text of an odd number of octets; the last is left out */
-    SMS_PDU_PROBLEM_BAD_TIME = 13,          /* a time stamp field that is no BCD number or out of range */
-    SMS_PDU_PROBLEM_RESERVED_DCS = 14,      /* reserved data coding: read as the default alphabet */
-    SMS_PDU_PROBLEM_COMPRESSED = 15,        /* compressed text: octets only, no text */
-    SMS_PDU_PROBLEM_RESERVED_PARAMETERS = 16 /* TP-PI with reserved bits: no optional field read */
+    SMS_PDU_PROBLEM_LONE_SURROGATE = 11,      /* UCS-2 surrogate half without its pair: U+FFFD */
+    SMS_PDU_PROBLEM_ODD_UCS2_LENGTH = 12,     /* UCS-2 text of an odd number of octets; the last is left out */
+    SMS_PDU_PROBLEM_BAD_TIME = 13,            /* a time stamp field that is no BCD number or out of range */
+    SMS_PDU_PROBLEM_RESERVED_DCS = 14,        /* reserved data coding: read as the default alphabet */
+    SMS_PDU_PROBLEM_COMPRESSED = 15,          /* compressed text: octets only, no text */
+    SMS_PDU_PROBLEM_RESERVED_PARAMETERS = 16  /* TP-PI with reserved bits: no optional field read */
 } sms_pdu_problem_code;
 
 SMSUTIL_API const char *sms_pdu_problem_text(int code);
@@ -196,23 +191,23 @@ typedef struct {
     sms_pdu_address address;
 
     /* Flags of the first octet, 0 or 1 */
-    uint8_t more_messages;      /* DELIVER, STATUS-REPORT: TP-MMS clear */
-    uint8_t loop_prevention;    /* DELIVER, STATUS-REPORT: TP-LP */
-    uint8_t reply_path;         /* DELIVER, SUBMIT: TP-RP */
-    uint8_t reject_duplicates;  /* SUBMIT: TP-RD */
-    uint8_t status_report;      /* TP-SRI (DELIVER), TP-SRR (SUBMIT, COMMAND), TP-SRQ (STATUS-REPORT) */
-    uint8_t header_indicator;   /* TP-UDHI */
+    uint8_t more_messages;     /* DELIVER, STATUS-REPORT: TP-MMS clear */
+    uint8_t loop_prevention;   /* DELIVER, STATUS-REPORT: TP-LP */
+    uint8_t reply_path;        /* DELIVER, SUBMIT: TP-RP */
+    uint8_t reject_duplicates; /* SUBMIT: TP-RD */
+    uint8_t status_report;     /* TP-SRI (DELIVER), TP-SRR (SUBMIT, COMMAND), TP-SRQ (STATUS-REPORT) */
+    uint8_t header_indicator;  /* TP-UDHI */
 
-    uint8_t message_reference;  /* SUBMIT, STATUS-REPORT, COMMAND */
+    uint8_t message_reference; /* SUBMIT, STATUS-REPORT, COMMAND */
     uint8_t pid;
     sms_pdu_dcs dcs;
-    sms_pdu_time timestamp;     /* TP-SCTS: DELIVER, STATUS-REPORT */
-    sms_pdu_validity validity;  /* SUBMIT */
+    sms_pdu_time timestamp;    /* TP-SCTS: DELIVER, STATUS-REPORT */
+    sms_pdu_validity validity; /* SUBMIT */
 
     /* STATUS-REPORT */
     sms_pdu_time discharge_time;
-    uint8_t status;             /* TP-ST */
-    uint8_t status_category;    /* sms_pdu_status_category */
+    uint8_t status;          /* TP-ST */
+    uint8_t status_category; /* sms_pdu_status_category */
     uint8_t has_parameter_indicator;
     uint8_t parameter_indicator;
 
@@ -226,7 +221,7 @@ typedef struct {
     uint8_t user_data[SMS_PDU_USER_DATA_SIZE];
     uint16_t user_data_length;
     uint16_t user_data_septets;
-    uint16_t header_length;     /* UDHL and the header octets; 0 without a header */
+    uint16_t header_length; /* UDHL and the header octets; 0 without a header */
     uint8_t element_count;
     sms_pdu_element elements[SMS_PDU_MAX_ELEMENTS];
 
@@ -242,7 +237,7 @@ typedef struct {
     uint16_t destination_port;
 
     uint8_t has_locking_shift;
-    uint8_t locking_language;   /* identifier as sent */
+    uint8_t locking_language; /* identifier as sent */
     uint8_t has_single_shift;
     uint8_t single_language;
 
@@ -253,7 +248,7 @@ typedef struct {
     uint16_t text_length;
 
     uint8_t problem_count;
-    uint8_t problems_dropped;   /* problems beyond SMS_PDU_MAX_PROBLEMS */
+    uint8_t problems_dropped; /* problems beyond SMS_PDU_MAX_PROBLEMS */
     sms_pdu_problem problems[SMS_PDU_MAX_PROBLEMS];
 } sms_pdu_record;
 
@@ -280,17 +275,17 @@ SMSUTIL_API int sms_pdu_decode_hex(const char *hex, size_t len, unsigned flags, 
  * alphabet or UCS-2, up to 255 parts, 8-bit reference 0, no validity
  * period, no status report, no class; only the destination must be set. */
 typedef struct {
-    uint32_t languages;          /* national languages allowed: bits 1u << sms_pdu_language (1 to 3); 0: none */
-    uint16_t max_parts;          /* 1..255; 0 means 255 */
-    uint8_t reference_16bit;     /* concatenation with a 16-bit reference */
-    uint16_t reference;          /* concatenation reference (low octet with 8-bit references) */
-    const char *destination;     /* "+" and digits for an international number, else digits */
-    const char *service_centre;  /* null or "": empty address (00); else like destination */
-    sms_pdu_validity validity;   /* format NONE, RELATIVE (rounded up to the next value that can be
-                                    sent, at most 63 weeks), ABSOLUTE or ENHANCED (octets as given) */
+    uint32_t languages;         /* national languages allowed: bits 1u << sms_pdu_language (1 to 3); 0: none */
+    uint16_t max_parts;         /* 1..255; 0 means 255 */
+    uint8_t reference_16bit;    /* concatenation with a 16-bit reference */
+    uint16_t reference;         /* concatenation reference (low octet with 8-bit references) */
+    const char *destination;    /* "+" and digits for an international number, else digits */
+    const char *service_centre; /* null or "": empty address (00); else like destination */
+    sms_pdu_validity validity;  /* format NONE, RELATIVE (rounded up to the next value that can be
+                                   sent, at most 63 weeks), ABSOLUTE or ENHANCED (octets as given) */
     uint8_t status_report_request;
-    uint8_t has_message_class;   /* 0: no class; else message_class is sent */
-    uint8_t message_class;       /* 0..3 */
+    uint8_t has_message_class; /* 0: no class; else message_class is sent */
+    uint8_t message_class;     /* 0..3 */
 } sms_pdu_encode_options;
 
 typedef struct {
@@ -301,7 +296,7 @@ typedef struct {
     uint8_t alphabet;                     /* sms_pdu_alphabet: GSM7 or UCS2 */
     uint8_t locking_language;             /* sms_pdu_language, SMS_PDU_LANG_NONE for the default table */
     uint8_t single_language;
-    uint32_t text_offset;                 /* the bytes of the input text this part carries */
+    uint32_t text_offset; /* the bytes of the input text this part carries */
     uint32_t text_length;
 } sms_pdu_part;
 
@@ -320,8 +315,8 @@ typedef struct {
  * max_parts, SMS_PDU_ERR_NO_ROOM when it needs more than capacity (so a
  * capacity of 0 asks for the count), and any other error leave parts as
  * they were and *count at 0. */
-SMSUTIL_API int sms_pdu_encode(const char *utf8, size_t len, const sms_pdu_encode_options *options,
-                               sms_pdu_part *parts, size_t capacity, size_t *count);
+SMSUTIL_API int sms_pdu_encode(const char *utf8, size_t len, const sms_pdu_encode_options *options, sms_pdu_part *parts,
+                               size_t capacity, size_t *count);
 
 SMSUTIL_END_DECLS
 

@@ -42,14 +42,16 @@ SMSUTIL_BEGIN_DECLS
 #define SMS_REASM_ALIGNMENT 8
 
 /* Results of sms_reasm_add (zero or positive). */
-#define SMS_REASM_STORED 0       /* kept; its message still lacks parts */
-#define SMS_REASM_COMPLETE 1     /* the message is complete and written to the caller's record */
-#define SMS_REASM_DUPLICATE 2    /* that part is already held; the first copy is kept, nothing changed */
-#define SMS_REASM_REFUSED 3      /* number 0 or above total, total 0 or above max_parts, text too long */
-#define SMS_REASM_FULL 4         /* the store was full: the oldest pending message was handed over
-                                    as evicted, then the part was kept */
-#define SMS_REASM_TEXT_TOO_LONG 5 /* the joined text does not fit the caller's record; nothing
-                                     changed, text_length says how many bytes it needs */
+#define SMS_REASM_STORED 0    /* kept; its message still lacks parts */
+#define SMS_REASM_COMPLETE 1  /* the message is complete and written to the caller's record */
+#define SMS_REASM_DUPLICATE 2 /* that part is already held; the first copy is kept, nothing changed */
+#define SMS_REASM_REFUSED 3   /* number 0 or above total, total 0 or above max_parts, text too long */
+#define SMS_REASM_FULL                                                  \
+    4 /* the store was full: the oldest pending message was handed over \
+         as evicted, then the part was kept */
+#define SMS_REASM_TEXT_TOO_LONG                                    \
+    5 /* the joined text does not fit the caller's record; nothing \
+         changed, text_length says how many bytes it needs */
 
 /* Failures of every function (negative). */
 #define SMS_REASM_ERR_ARGUMENT (-1)      /* a missing pointer or a bound out of range */
@@ -88,10 +90,10 @@ typedef struct sms_reasm_part_s {
     uint8_t concatenated;   /* 0: a whole message; reference, total and number are not read */
     uint8_t reference_bits; /* 8 or 16: references of the two sizes never join */
     uint8_t total;
-    uint8_t number;         /* 1 .. total */
-    uint8_t coding;         /* SMS_CONTENT_* */
+    uint8_t number; /* 1 .. total */
+    uint8_t coding; /* SMS_CONTENT_* */
     uint16_t reference;
-    char address[SMS_REASM_ADDRESS_SIZE];        /* originator, or destination of a stored one */
+    char address[SMS_REASM_ADDRESS_SIZE]; /* originator, or destination of a stored one */
     char service_centre[SMS_REASM_ADDRESS_SIZE];
     sms_reasm_time time;
     const char *text; /* UTF-8 (8-bit data for SMS_CONTENT_8BIT), text_length bytes */
@@ -112,11 +114,11 @@ typedef struct sms_reasm_message_s {
     uint8_t kind;
     uint8_t concatenated;
     uint8_t reference_bits;
-    uint8_t total;          /* 1 for a message that was not cut */
+    uint8_t total; /* 1 for a message that was not cut */
     uint16_t reference;
-    uint8_t part_count;     /* parts present */
+    uint8_t part_count; /* parts present */
     uint8_t missing_count;
-    uint8_t missing[SMS_REASM_MAX_PARTS]; /* numbers not received, ascending */
+    uint8_t missing[SMS_REASM_MAX_PARTS];           /* numbers not received, ascending */
     sms_reasm_part_info parts[SMS_REASM_MAX_PARTS]; /* parts[n - 1] describes part n */
     char address[SMS_REASM_ADDRESS_SIZE];
     char service_centre[SMS_REASM_ADDRESS_SIZE];
@@ -132,10 +134,10 @@ typedef struct sms_reasm_message_s {
 typedef void (*sms_reasm_handover_fn)(void *context, const sms_reasm_message *message, int reason);
 
 typedef struct sms_reasm_config_s {
-    uint32_t max_messages;    /* pending messages held at once, 1 .. 65536 */
-    uint32_t max_parts;       /* parts per message, 1 .. 255 */
-    uint32_t max_text_bytes;  /* text bytes per message, 1 .. 1048576 */
-    uint32_t timeout_seconds; /* age at which sms_reasm_expire hands a message over; 0: never */
+    uint32_t max_messages;          /* pending messages held at once, 1 .. 65536 */
+    uint32_t max_parts;             /* parts per message, 1 .. 255 */
+    uint32_t max_text_bytes;        /* text bytes per message, 1 .. 1048576 */
+    uint32_t timeout_seconds;       /* age at which sms_reasm_expire hands a message over; 0: never */
     sms_reasm_handover_fn handover; /* required */
     void *handover_context;
 } sms_reasm_config;
@@ -153,8 +155,7 @@ SMSUTIL_API size_t sms_reasm_storage_size(const sms_reasm_config *config);
 
 /* Builds an empty store inside buffer and sets *store.  The buffer belongs
  * to the store until the caller stops using it; there is nothing to free. */
-SMSUTIL_API int sms_reasm_init(sms_reasm_store **store, void *buffer, size_t size,
-                               const sms_reasm_config *config);
+SMSUTIL_API int sms_reasm_init(sms_reasm_store **store, void *buffer, size_t size, const sms_reasm_config *config);
 
 /* Describes a record filled by ParseSms as a part.  The part's text points
  * into message->content, so the record must outlive the part. */
@@ -171,8 +172,7 @@ SMSUTIL_API int sms_reasm_part_from_record(const sms_pdu_record *record, sms_rea
  * only for SMS_REASM_COMPLETE (and text_length for SMS_REASM_TEXT_TOO_LONG).
  * A part that is not concatenated, or is the only part of its message,
  * comes back complete at once and is never kept. */
-SMSUTIL_API int sms_reasm_add(sms_reasm_store *store, const sms_reasm_part *part, uint64_t now,
-                              sms_reasm_message *out);
+SMSUTIL_API int sms_reasm_add(sms_reasm_store *store, const sms_reasm_part *part, uint64_t now, sms_reasm_message *out);
 
 /* Hands over and frees every message whose first part arrived
  * timeout_seconds or more before now.  Returns how many, or a failure. */
@@ -188,16 +188,15 @@ SMSUTIL_API int sms_reasm_get_stats(const sms_reasm_store *store, sms_reasm_stat
  * against now so that a clock restarted at boot does not age them.
  * sms_reasm_state_size gives the bytes needed; *written the bytes used. */
 SMSUTIL_API size_t sms_reasm_state_size(const sms_reasm_store *store);
-SMSUTIL_API int sms_reasm_save_state(const sms_reasm_store *store, uint64_t now, void *buffer,
-                                     size_t size, size_t *written);
+SMSUTIL_API int sms_reasm_save_state(const sms_reasm_store *store, uint64_t now, void *buffer, size_t size,
+                                     size_t *written);
 
 /* Loads an image into an empty store.  A damaged, truncated or foreign
  * image, or one that does not fit this store's bounds, is refused whole
  * and leaves the store empty.  now is the clock the ages are counted back
  * from: the time the image was saved to count the time in between, or the
  * current time of a clock that restarted since. */
-SMSUTIL_API int sms_reasm_load_state(sms_reasm_store *store, uint64_t now, const void *buffer,
-                                     size_t size);
+SMSUTIL_API int sms_reasm_load_state(sms_reasm_store *store, uint64_t now, const void *buffer, size_t size);
 
 SMSUTIL_END_DECLS
 

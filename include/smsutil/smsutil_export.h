@@ -5,19 +5,19 @@
 #define SMSUTIL_EXPORT_H
 
 #if defined(_WIN32)
-#  define SMSUTIL_API
+#define SMSUTIL_API
 #elif defined(__GNUC__) || defined(__clang__)
-#  define SMSUTIL_API __attribute__((visibility("default")))
+#define SMSUTIL_API __attribute__((visibility("default")))
 #else
-#  define SMSUTIL_API
+#define SMSUTIL_API
 #endif
 
 #ifdef __cplusplus
-#  define SMSUTIL_BEGIN_DECLS extern "C" {
-#  define SMSUTIL_END_DECLS }
+#define SMSUTIL_BEGIN_DECLS extern "C" {
+#define SMSUTIL_END_DECLS }
 #else
-#  define SMSUTIL_BEGIN_DECLS
-#  define SMSUTIL_END_DECLS
+#define SMSUTIL_BEGIN_DECLS
+#define SMSUTIL_END_DECLS
 #endif
 
 #endif /* SMSUTIL_EXPORT_H */

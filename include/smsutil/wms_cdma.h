@@ -17,9 +17,9 @@
 SMSUTIL_BEGIN_DECLS
 
 /* Capacities. */
-#define WMS_CDMA_USER_DATA_MAX 229    /* units of wms_cdma_user_data.data */
+#define WMS_CDMA_USER_DATA_MAX 229      /* units of wms_cdma_user_data.data */
 #define WMS_CDMA_CALLBACK_MAX_DIGITS 32 /* digits a call-back number carries */
-#define WMS_CDMA_BEARER_DATA_MAX 255  /* octets of encoded bearer data */
+#define WMS_CDMA_BEARER_DATA_MAX 255    /* octets of encoded bearer data */
 
 /* Result of the IS-91 payload codec (and the bearer-data codec that uses
  * it) for a message type other than 130 to 133.  The bearer-data codec
@@ -54,10 +54,10 @@ SMSUTIL_BEGIN_DECLS
 #define WMS_ENCODING_IA5 3
 
 /* wms_cdma_user_data.is91ep_type: IS-91 extended protocol message types. */
-#define WMS_IS91EP_VOICE_MAIL 130    /* 6-bit: message count, priority, text */
+#define WMS_IS91EP_VOICE_MAIL 130         /* 6-bit: message count, priority, text */
 #define WMS_IS91EP_SHORT_MESSAGE_FULL 131 /* 6-bit text, decoded as 133 */
-#define WMS_IS91EP_CLI_ORDER 132     /* 4-bit call-back number digits */
-#define WMS_IS91EP_SHORT_MESSAGE 133 /* 6-bit text */
+#define WMS_IS91EP_CLI_ORDER 132          /* 4-bit call-back number digits */
+#define WMS_IS91EP_SHORT_MESSAGE 133      /* 6-bit text */
 
 #pragma pack(push, 1)
 
@@ -72,7 +72,7 @@ typedef struct wms_cdma_user_data_s {
     uint8_t data_len;     /* units in data */
     uint8_t padding_bits; /* packed 7-bit text: unused low bits of the last octet */
     uint8_t data[WMS_CDMA_USER_DATA_MAX];
-    uint8_t num_fields;   /* characters as carried on the air */
+    uint8_t num_fields; /* characters as carried on the air */
 } wms_cdma_user_data;
 
 typedef struct wms_cdma_bearer_data_s {
@@ -123,24 +123,20 @@ SMSUTIL_API uint16_t b_unpackw(const uint8_t *src, uint16_t pos, uint16_t n);
  * octets cleared first); raw->format is set to 0 and raw->len to the octets
  * written.  On a failure raw->len holds the octets of the subparameters
  * completed before it. */
-SMSUTIL_API wms_status_e_type wms_ts_encode_CDMA_bd(const wms_cdma_bearer_data *bd,
-                                                    wms_raw_tpdu *raw);
+SMSUTIL_API wms_status_e_type wms_ts_encode_CDMA_bd(const wms_cdma_bearer_data *bd, wms_raw_tpdu *raw);
 /* Decodes raw->len octets (at most 255 are read) into bd; bd->mask names
  * the subparameters found.  On a failure bd is partly filled. */
-SMSUTIL_API wms_status_e_type wms_ts_decode_CDMA_bd(const wms_raw_tpdu *raw,
-                                                    wms_cdma_bearer_data *bd);
+SMSUTIL_API wms_status_e_type wms_ts_decode_CDMA_bd(const wms_raw_tpdu *raw, wms_cdma_bearer_data *bd);
 
 /* ---- IS-91 extended protocol payload ---- */
 
 /* Fills out->data, num_fields and data_len with the payload values of
  * bd->user_data.is91ep_type; at most 229 values are stored.  0, or
  * WMS_TS_STATUS_BAD_IS91EP_TYPE with nothing filled. */
-SMSUTIL_API wms_status_e_type wms_ts_encode_IS91EP_payload(const wms_cdma_bearer_data *bd,
-                                                           wms_cdma_user_data *out);
+SMSUTIL_API wms_status_e_type wms_ts_encode_IS91EP_payload(const wms_cdma_bearer_data *bd, wms_cdma_user_data *out);
 /* Rebuilds the fields of bd that the payload of the given type carries from
  * its len values (read from data).  0, or WMS_TS_STATUS_BAD_IS91EP_TYPE. */
-SMSUTIL_API wms_status_e_type wms_ts_decode_IS91EP_payload(uint32_t type, uint8_t len,
-                                                           const uint8_t *data,
+SMSUTIL_API wms_status_e_type wms_ts_decode_IS91EP_payload(uint32_t type, uint8_t len, const uint8_t *data,
                                                            wms_cdma_bearer_data *bd);
 
 /* ---- DTMF digits and packed ASCII ---- */
@@ -156,13 +152,11 @@ SMSUTIL_API uint8_t wms_ts_ascii2dtmf(const char *text, uint8_t *codes);
  * characters) from bit 0 of packed, zero-filled to an octet boundary.
  * Returns the characters packed; *octets and *padding_bits receive the
  * octets used and the fill bits of the last one. */
-SMSUTIL_API uint8_t wms_ts_pack_ascii(const char *text, uint8_t *packed, uint8_t *octets,
-                                      uint8_t *padding_bits);
+SMSUTIL_API uint8_t wms_ts_pack_ascii(const char *text, uint8_t *packed, uint8_t *octets, uint8_t *padding_bits);
 /* Unpacks at most max_count (and at most ud->num_fields) 7-bit characters
  * from ud->data into text, followed by a zero byte (text holds max_count + 1
  * bytes).  Returns the characters unpacked. */
-SMSUTIL_API uint8_t wms_ts_unpack_ascii(const wms_cdma_user_data *ud, uint8_t max_count,
-                                        char *text);
+SMSUTIL_API uint8_t wms_ts_unpack_ascii(const wms_cdma_user_data *ud, uint8_t max_count, char *text);
 
 SMSUTIL_END_DECLS
 

@@ -389,8 +389,7 @@ SMSUTIL_API uint8_t wms_ts_decode_address(const uint8_t *data, wms_address *addr
 /* UDHL and up to 7 elements into out (room for WMS_MAX_LEN octets); UDHL, 0 without elements. */
 SMSUTIL_API uint8_t wms_ts_encode_user_data_header(uint8_t count, const wms_udh *headers, uint8_t *out);
 /* A header from its UDHL octet into up to 7 slots; UDHL, or 0 when refused (udhl is not read). */
-SMSUTIL_API uint8_t wms_ts_decode_user_data_header(uint8_t udhl, const uint8_t *data, uint8_t *count,
-                                                   wms_udh *headers);
+SMSUTIL_API uint8_t wms_ts_decode_user_data_header(uint8_t udhl, const uint8_t *data, uint8_t *count, wms_udh *headers);
 /* Per-element encoders: IEI, IEDL and data at out; the octets written (0: left out). */
 SMSUTIL_API uint8_t wms_ts_encode_udh_special_sm(uint8_t *out);
 SMSUTIL_API uint8_t wms_ts_encode_udh_text_formatting(uint8_t *out);

@@ -1,7 +1,7 @@
 // ComposeSms: one pack into a SUBMIT PDU, service-centre address first.
 #include <cstdlib>
-#include <initializer_list>
 #include <cstring>
+#include <initializer_list>
 
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
@@ -35,9 +35,9 @@ int32_t prepare_ucs2(const SmsMessage &in, SmsMessageData &msg)
     SMS_TRACE_AS(kComposeSms, "The strlen of  pInputSms->content is %d\n\n", static_cast<int>(content_len));
     // Unterminated content cannot be measured without reading past it.
     uint16_t units[SMS_PDU_TEXT_SIZE / 2 + 1] = {};
-    const int32_t ret = content_len < sizeof in.content
-                            ? UTF8_TO_UCS2(in.content, reinterpret_cast<uint8_t *>(units), static_cast<int32_t>(sizeof msg.SmsData))
-                            : -1;
+    const int32_t ret = content_len < sizeof in.content ? UTF8_TO_UCS2(in.content, reinterpret_cast<uint8_t *>(units),
+                                                                       static_cast<int32_t>(sizeof msg.SmsData))
+                                                        : -1;
     if (ret < 0) {
         SMS_TRACE_AS(kComposeSms, "UTF8_TO_UCS2 function run unsuccessfully!\n\n");
         return ret;
@@ -61,8 +61,7 @@ int32_t prepare_ucs2(const SmsMessage &in, SmsMessageData &msg)
 
 int32_t prepare_7bit(const SmsMessage &in, SmsMessageData &msg)
 {
-    SMS_TRACE_AS(kComposeSms, "The length of 7bit is %d\n\n",
-                 static_cast<int>(strnlen(in.content, sizeof in.content)));
+    SMS_TRACE_AS(kComposeSms, "The length of 7bit is %d\n\n", static_cast<int>(strnlen(in.content, sizeof in.content)));
     // Septet 0 is '@': the count comes from byContentLen, not the string.
     std::memcpy(msg.SmsData, in.content, in.byContentLen);
     msg.dwLength = in.byContentLen;
@@ -81,8 +80,8 @@ int32_t prepare_7bit(const SmsMessage &in, SmsMessageData &msg)
 
 extern "C" {
 
-SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *PstSendOrWriteMsg,
-                                     SmsOctetBuf *out, uint32_t *pdwErrCode)
+SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *PstSendOrWriteMsg, SmsOctetBuf *out,
+                                     uint32_t *pdwErrCode)
 {
     if (msg == nullptr || PstSendOrWriteMsg == nullptr || out == nullptr || pdwErrCode == nullptr) return -1;
     wms_gw_submit submit;

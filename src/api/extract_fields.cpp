@@ -13,10 +13,14 @@ constexpr uint32_t kMaxUserData = 160;
 uint8_t charset_of(uint8_t alphabet)
 {
     switch (alphabet) {
-    case WMS_ALPHABET_GSM7: return SMS_CONTENT_7BIT;
-    case WMS_ALPHABET_UCS2: return SMS_CONTENT_UCS2;
-    case WMS_ALPHABET_8BIT: return SMS_CONTENT_8BIT;
-    default: return SMS_CONTENT_OTHER;
+    case WMS_ALPHABET_GSM7:
+        return SMS_CONTENT_7BIT;
+    case WMS_ALPHABET_UCS2:
+        return SMS_CONTENT_UCS2;
+    case WMS_ALPHABET_8BIT:
+        return SMS_CONTENT_8BIT;
+    default:
+        return SMS_CONTENT_OTHER;
     }
 }
 

@@ -21,8 +21,7 @@ extern "C" SMSUTIL_API void _smslog(const char *path, uint32_t level, const char
     int n = std::vsnprintf(buf, kFormatSize, format, ap);
     va_end(ap);
     if (n < 0) return;
-    std::size_t len = static_cast<std::size_t>(n) < kFormatSize ? static_cast<std::size_t>(n)
-                                                                : kFormatSize - 1;
+    std::size_t len = static_cast<std::size_t>(n) < kFormatSize ? static_cast<std::size_t>(n) : kFormatSize - 1;
     if (len > 0 && buf[len - 1] != '\n') {
         buf[len++] = '\n';
         buf[len] = '\0';

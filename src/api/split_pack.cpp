@@ -43,8 +43,8 @@ int32_t split_ucs2(const char *text, SmsPack *pRes)
     for (int32_t k = 0; k < packs; ++k) {
         // 67 characters of at most three bytes always fit a pack; the last
         // pack takes the rest, which is shorter.
-        std::size_t bytes = k + 1 < packs ? static_cast<std::size_t>(find_utf8_count(kUcs2PerPack, p))
-                                          : strnlen(p, kMaxPackText);
+        std::size_t bytes =
+            k + 1 < packs ? static_cast<std::size_t>(find_utf8_count(kUcs2PerPack, p)) : strnlen(p, kMaxPackText);
         std::memcpy(pRes[k].content, p, bytes);
         pRes[k].content[bytes] = '\0';
         pRes[k].length = static_cast<uint32_t>(bytes);

@@ -45,8 +45,7 @@ extern "C" SMSUTIL_API uint8_t wms_ts_unpack_ascii(const wms_cdma_user_data *ud,
     BitReader in({ud->data, WMS_CDMA_USER_DATA_MAX});
     const std::size_t limit = std::min(max_count, ud->num_fields);
     std::size_t count = 0;
-    while (count < limit && in.position() < end)
-        text[count++] = static_cast<char>(in.read_zero_extended(kCharBits));
+    while (count < limit && in.position() < end) text[count++] = static_cast<char>(in.read_zero_extended(kCharBits));
     text[count] = '\0';
     return static_cast<std::uint8_t>(count);
 }

@@ -28,17 +28,25 @@ constexpr wms_status_e_type kBadUserData = WMS_TS_STATUS_BAD_USER_DATA_LENGTH;
 constexpr std::size_t fixed_length(std::uint8_t id)
 {
     switch (id) {
-    case kMessageId: return 3;
-    case kUserResponse: return 1;
+    case kMessageId:
+        return 3;
+    case kUserResponse:
+        return 1;
     case kMcTime:
     case kValidityAbsolute:
-    case kDeferredAbsolute: return kAbsoluteTimeOctets;
+    case kDeferredAbsolute:
+        return kAbsoluteTimeOctets;
     case kValidityRelative:
-    case kDeferredRelative: return 1;
-    case kNumberOfMessages: return 1;
-    case kLanguage: return 1;
-    case kDisplayMode: return 1;
-    default: return 0;
+    case kDeferredRelative:
+        return 1;
+    case kNumberOfMessages:
+        return 1;
+    case kLanguage:
+        return 1;
+    case kDisplayMode:
+        return 1;
+    default:
+        return 0;
     }
 }
 
@@ -128,18 +136,28 @@ std::uint32_t leading_field(VariableContent c, unsigned width) { return BitReade
 wms_status_e_type read_variable(std::uint8_t id, VariableContent c, wms_cdma_bearer_data &bd)
 {
     switch (id) {
-    case kUserData: return read_user_data(c, bd.user_data);
-    case kPriority: bd.priority = leading_field(c, kTwoBitFieldBits); return kOk;
-    case kPrivacy: bd.privacy = leading_field(c, kTwoBitFieldBits); return kOk;
+    case kUserData:
+        return read_user_data(c, bd.user_data);
+    case kPriority:
+        bd.priority = leading_field(c, kTwoBitFieldBits);
+        return kOk;
+    case kPrivacy:
+        bd.privacy = leading_field(c, kTwoBitFieldBits);
+        return kOk;
     case kReplyOption: {
         const std::uint32_t bits = leading_field(c, 2);
         bd.user_ack_requested = static_cast<std::uint8_t>(bits >> 1);
         bd.delivery_ack_requested = static_cast<std::uint8_t>(bits & 1);
         return kOk;
     }
-    case kAlertOnDelivery: bd.alert_on_delivery = 1; return kOk;
-    case kCallback: read_callback(c, bd.callback); return kOk;
-    default: return kOk;
+    case kAlertOnDelivery:
+        bd.alert_on_delivery = 1;
+        return kOk;
+    case kCallback:
+        read_callback(c, bd.callback);
+        return kOk;
+    default:
+        return kOk;
     }
 }
 
@@ -157,18 +175,35 @@ wms_status_e_type read_subparameter(std::uint8_t id, VariableContent c, wms_cdma
         bd.message_id.id_number = r.read_zero_extended(kMessageIdBits);
         return kOk;
     }
-    case kUserResponse: bd.user_response = o[0]; return kOk;
-    case kMcTime: read_absolute_time(o, bd.mc_time); return kOk;
-    case kValidityAbsolute: read_absolute_time(o, bd.validity_absolute); return kOk;
-    case kDeferredAbsolute: read_absolute_time(o, bd.deferred_absolute); return kOk;
-    case kValidityRelative: wms_ts_decode_relative_time(o[0], &bd.validity_relative); return kOk;
-    case kDeferredRelative: wms_ts_decode_relative_time(o[0], &bd.deferred_relative); return kOk;
+    case kUserResponse:
+        bd.user_response = o[0];
+        return kOk;
+    case kMcTime:
+        read_absolute_time(o, bd.mc_time);
+        return kOk;
+    case kValidityAbsolute:
+        read_absolute_time(o, bd.validity_absolute);
+        return kOk;
+    case kDeferredAbsolute:
+        read_absolute_time(o, bd.deferred_absolute);
+        return kOk;
+    case kValidityRelative:
+        wms_ts_decode_relative_time(o[0], &bd.validity_relative);
+        return kOk;
+    case kDeferredRelative:
+        wms_ts_decode_relative_time(o[0], &bd.deferred_relative);
+        return kOk;
     case kNumberOfMessages:
         bd.num_messages = static_cast<std::uint8_t>(decimal_digit(o[0] >> 4) * 10 + decimal_digit(o[0] & 0x0F));
         return kOk;
-    case kLanguage: bd.language = o[0]; return kOk;
-    case kDisplayMode: bd.display_mode = BitReader(o).read_zero_extended(kTwoBitFieldBits); return kOk;
-    default: return kOk;
+    case kLanguage:
+        bd.language = o[0];
+        return kOk;
+    case kDisplayMode:
+        bd.display_mode = BitReader(o).read_zero_extended(kTwoBitFieldBits);
+        return kOk;
+    default:
+        return kOk;
     }
 }
 
@@ -217,8 +252,7 @@ wms_status_e_type decode(const wms_raw_tpdu &raw, wms_cdma_bearer_data &bd)
 
 }  // namespace
 
-extern "C" SMSUTIL_API wms_status_e_type wms_ts_decode_CDMA_bd(const wms_raw_tpdu *raw,
-                                                               wms_cdma_bearer_data *bd)
+extern "C" SMSUTIL_API wms_status_e_type wms_ts_decode_CDMA_bd(const wms_raw_tpdu *raw, wms_cdma_bearer_data *bd)
 {
     if (raw == nullptr || bd == nullptr) return WMS_TS_STATUS_BAD_ADDRESS;
     return decode(*raw, *bd);

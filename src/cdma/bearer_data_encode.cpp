@@ -123,12 +123,8 @@ wms_status_e_type encode(const wms_cdma_bearer_data &bd, wms_raw_tpdu &raw)
     const auto step = [&](bool wanted, std::uint8_t id, auto &&fill) {
         if (s == kOk && wanted) s = enc.put(id, fill);
     };
-    const auto octet = [](std::uint32_t v) {
-        return [v](BitWriter &w) { return room(w.write(v, 8)); };
-    };
-    const auto absolute = [](const wms_timestamp &t) {
-        return [&t](BitWriter &w) { return put_absolute_time(w, t); };
-    };
+    const auto octet = [](std::uint32_t v) { return [v](BitWriter &w) { return room(w.write(v, 8)); }; };
+    const auto absolute = [](const wms_timestamp &t) { return [&t](BitWriter &w) { return put_absolute_time(w, t); }; };
     const auto relative = [](const wms_timestamp &t) {
         return [&t](BitWriter &w) { return room(w.write(wms_ts_encode_relative_time(&t), 8)); };
     };
@@ -138,13 +134,12 @@ wms_status_e_type encode(const wms_cdma_bearer_data &bd, wms_raw_tpdu &raw)
     };
 
     step(has(kMessageId), kMessageId, [&](BitWriter &w) {
-        return room(w.write(bd.message_id.type, kMessageTypeBits) &&
-                    w.write(bd.message_id.id_number, kMessageIdBits) && w.write(0, 4));
+        return room(w.write(bd.message_id.type, kMessageTypeBits) && w.write(bd.message_id.id_number, kMessageIdBits) &&
+                    w.write(0, 4));
     });
     step(has(kAlertOnDelivery), kAlertOnDelivery, put_nothing);
     step(has(kDisplayMode), kDisplayMode, two_bits(bd.display_mode));
-    step(has(kUserData) || cli_order, kUserData,
-         [&](BitWriter &w) { return put_user_data(w, bd); });
+    step(has(kUserData) || cli_order, kUserData, [&](BitWriter &w) { return put_user_data(w, bd); });
     step(has(kUserResponse), kUserResponse, octet(bd.user_response));
     step(has(kMcTime), kMcTime, absolute(bd.mc_time));
     step(has(kValidityAbsolute), kValidityAbsolute, absolute(bd.validity_absolute));
@@ -163,15 +158,13 @@ wms_status_e_type encode(const wms_cdma_bearer_data &bd, wms_raw_tpdu &raw)
     // decoder keeps the first and skips the repeat.
     step(has(kAlertOnDelivery), kAlertOnDelivery, put_nothing);
     step(has(kLanguage), kLanguage, octet(bd.language));
-    step(has(kCallback) && !cli_order, kCallback,
-         [&](BitWriter &w) { return put_callback(w, bd.callback); });
+    step(has(kCallback) && !cli_order, kCallback, [&](BitWriter &w) { return put_callback(w, bd.callback); });
     return s;
 }
 
 }  // namespace
 
-extern "C" SMSUTIL_API wms_status_e_type wms_ts_encode_CDMA_bd(const wms_cdma_bearer_data *bd,
-                                                               wms_raw_tpdu *raw)
+extern "C" SMSUTIL_API wms_status_e_type wms_ts_encode_CDMA_bd(const wms_cdma_bearer_data *bd, wms_raw_tpdu *raw)
 {
     if (raw == nullptr) return WMS_TS_STATUS_BAD_ADDRESS;
     raw->format = 0;

@@ -48,10 +48,8 @@ constexpr std::uint32_t unpack_bits(const std::uint8_t *src, std::size_t pos, un
 // of the span fails and leaves the position where it was.
 class BitReader {
 public:
-    constexpr explicit BitReader(std::span<const std::uint8_t> octets)
-        : data_(octets.data()), end_(octets.size() * 8)
-    {
-    }
+    constexpr explicit BitReader(std::span<const std::uint8_t> octets) : data_(octets.data()), end_(octets.size() * 8)
+    {}
 
     constexpr std::size_t position() const { return pos_; }
     constexpr std::size_t remaining() const { return end_ - pos_; }
@@ -87,10 +85,7 @@ private:
 // of the span fails and writes nothing.
 class BitWriter {
 public:
-    constexpr explicit BitWriter(std::span<std::uint8_t> octets)
-        : data_(octets.data()), end_(octets.size() * 8)
-    {
-    }
+    constexpr explicit BitWriter(std::span<std::uint8_t> octets) : data_(octets.data()), end_(octets.size() * 8) {}
 
     constexpr std::size_t position() const { return pos_; }
     constexpr std::size_t remaining() const { return end_ - pos_; }

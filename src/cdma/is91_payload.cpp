@@ -18,8 +18,7 @@ bool is_known_type(std::uint32_t type) { return type >= 130 && type <= 133; }
 std::size_t put_chars(const wms_cdma_user_data &text, std::size_t start, wms_cdma_user_data &out)
 {
     const std::size_t count = std::min<std::size_t>(text.num_fields, kCapacity - start);
-    for (std::size_t i = 0; i < count; ++i)
-        out.data[start + i] = static_cast<std::uint8_t>(text.data[i] - kCharOffset);
+    for (std::size_t i = 0; i < count; ++i) out.data[start + i] = static_cast<std::uint8_t>(text.data[i] - kCharOffset);
     return start + count;
 }
 
@@ -27,8 +26,7 @@ std::size_t put_chars(const wms_cdma_user_data &text, std::size_t start, wms_cdm
 std::uint8_t take_chars(const std::uint8_t *values, std::size_t count, wms_cdma_user_data &out)
 {
     count = std::min(count, kCapacity);
-    for (std::size_t i = 0; i < count; ++i)
-        out.data[i] = static_cast<std::uint8_t>(values[i] + kCharOffset);
+    for (std::size_t i = 0; i < count; ++i) out.data[i] = static_cast<std::uint8_t>(values[i] + kCharOffset);
     return static_cast<std::uint8_t>(count);
 }
 
@@ -42,8 +40,7 @@ void set_count(wms_cdma_user_data &ud, std::size_t count)
 
 namespace smsutil::cdma {
 
-wms_status_e_type build_is91_payload(const wms_cdma_bearer_data &bd, wms_cdma_user_data &out,
-                                     std::size_t &needed)
+wms_status_e_type build_is91_payload(const wms_cdma_bearer_data &bd, wms_cdma_user_data &out, std::size_t &needed)
 {
     const wms_cdma_user_data &text = bd.user_data;
     std::size_t stored = 0;
@@ -86,8 +83,7 @@ extern "C" SMSUTIL_API wms_status_e_type wms_ts_encode_IS91EP_payload(const wms_
     return smsutil::cdma::build_is91_payload(*bd, *out, needed);
 }
 
-extern "C" SMSUTIL_API wms_status_e_type wms_ts_decode_IS91EP_payload(uint32_t type, uint8_t len,
-                                                                      const uint8_t *data,
+extern "C" SMSUTIL_API wms_status_e_type wms_ts_decode_IS91EP_payload(uint32_t type, uint8_t len, const uint8_t *data,
                                                                       wms_cdma_bearer_data *bd)
 {
     if (bd == nullptr || !is_known_type(type)) return WMS_TS_STATUS_BAD_IS91EP_TYPE;

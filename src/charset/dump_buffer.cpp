@@ -10,10 +10,7 @@ namespace {
 constexpr int kBytesPerRow = 16;
 constexpr std::size_t kHexCell = 3;  // "XX "
 
-char printable(std::uint8_t byte)
-{
-    return byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.';
-}
+char printable(std::uint8_t byte) { return byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.'; }
 
 }  // namespace
 

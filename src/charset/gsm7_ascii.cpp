@@ -48,8 +48,7 @@ extern "C" SMSUTIL_API int32_t sms_gsm7_to_ascii(const uint8_t *pGSM_7Data, int3
 extern "C" SMSUTIL_API int32_t sms_ascii_to_gsm7(const uint8_t *pAscii, int32_t iInputLen, uint8_t *pGSM_7Data,
                                                  int32_t iBufLen, uint32_t *pdwOutputLen)
 {
-    if (pAscii == nullptr || iInputLen < 0 || (iBufLen > 0 && pGSM_7Data == nullptr) || iInputLen > iBufLen)
-        return -1;
+    if (pAscii == nullptr || iInputLen < 0 || (iBufLen > 0 && pGSM_7Data == nullptr) || iInputLen > iBufLen) return -1;
     if (pdwOutputLen != nullptr) *pdwOutputLen = 0;
 
     smsutil::common::OctetWriter out(pGSM_7Data, static_cast<std::size_t>(iBufLen));
@@ -63,8 +62,7 @@ extern "C" SMSUTIL_API int32_t sms_ascii_to_gsm7(const uint8_t *pAscii, int32_t 
     return result;
 }
 
-extern "C" SMSUTIL_API int32_t handle_input_sms_7bit_to_ascii(uint8_t *pText, int32_t iInputLen,
-                                                              uint32_t *pdwOutputLen)
+extern "C" SMSUTIL_API int32_t handle_input_sms_7bit_to_ascii(uint8_t *pText, int32_t iInputLen, uint32_t *pdwOutputLen)
 {
     // Room for the converted text and its terminator.
     uint8_t work[kAsciiWorkSize + 1] = {};

@@ -57,12 +57,15 @@ struct Patch {
 };
 
 // Turkish locking shift: the escape position reads as a space.
-constexpr Patch kTurkishMain[] = {{0x04, 0x20AC}, {0x07, 0x0131}, {0x0B, 0x011E}, {0x0C, 0x011F}, {0x1B, 0x0020}, {0x1C, 0x015E}, {0x1D, 0x015F}, {0x40, 0x0130}, {0x60, 0x00E7}};
+constexpr Patch kTurkishMain[] = {{0x04, 0x20AC}, {0x07, 0x0131}, {0x0B, 0x011E}, {0x0C, 0x011F}, {0x1B, 0x0020},
+                                  {0x1C, 0x015E}, {0x1D, 0x015F}, {0x40, 0x0130}, {0x60, 0x00E7}};
 // Spanish has no locking-shift table of its own; only its escape position
 // reads as a space.
 constexpr Patch kSpanishMain[] = {{0x1B, 0x0020}};
-constexpr Patch kTurkishExt[] = {{0x47, 0x011E}, {0x49, 0x0130}, {0x53, 0x015E}, {0x63, 0x00E7}, {0x67, 0x011F}, {0x69, 0x0131}, {0x73, 0x015F}};
-constexpr Patch kSpanishExt[] = {{0x09, 0x00E7}, {0x41, 0x00C1}, {0x49, 0x00CD}, {0x4F, 0x00D3}, {0x55, 0x00DA}, {0x61, 0x00E1}, {0x69, 0x00ED}, {0x6F, 0x00F3}, {0x75, 0x00FA}};
+constexpr Patch kTurkishExt[] = {{0x47, 0x011E}, {0x49, 0x0130}, {0x53, 0x015E}, {0x63, 0x00E7},
+                                 {0x67, 0x011F}, {0x69, 0x0131}, {0x73, 0x015F}};
+constexpr Patch kSpanishExt[] = {{0x09, 0x00E7}, {0x41, 0x00C1}, {0x49, 0x00CD}, {0x4F, 0x00D3}, {0x55, 0x00DA},
+                                 {0x61, 0x00E1}, {0x69, 0x00ED}, {0x6F, 0x00F3}, {0x75, 0x00FA}};
 
 struct Rows {
     std::uint32_t v[kRowCount][kCodeCount];
@@ -88,11 +91,11 @@ constexpr Rows kExtRows = derive(kDefaultExtRow, kTurkishExt, kSpanishExt);
 // out element by element here.
 #define SMSUTIL_ROW8(t, r, b) \
     t.v[r][b], t.v[r][b + 1], t.v[r][b + 2], t.v[r][b + 3], t.v[r][b + 4], t.v[r][b + 5], t.v[r][b + 6], t.v[r][b + 7]
-#define SMSUTIL_ROW(t, r)                                                                                      \
-    {                                                                                                          \
-        SMSUTIL_ROW8(t, r, 0), SMSUTIL_ROW8(t, r, 8), SMSUTIL_ROW8(t, r, 16), SMSUTIL_ROW8(t, r, 24),          \
-            SMSUTIL_ROW8(t, r, 32), SMSUTIL_ROW8(t, r, 40), SMSUTIL_ROW8(t, r, 48), SMSUTIL_ROW8(t, r, 56),    \
-            SMSUTIL_ROW8(t, r, 64), SMSUTIL_ROW8(t, r, 72), SMSUTIL_ROW8(t, r, 80), SMSUTIL_ROW8(t, r, 88),    \
+#define SMSUTIL_ROW(t, r)                                                                                     \
+    {                                                                                                         \
+        SMSUTIL_ROW8(t, r, 0), SMSUTIL_ROW8(t, r, 8), SMSUTIL_ROW8(t, r, 16), SMSUTIL_ROW8(t, r, 24),         \
+            SMSUTIL_ROW8(t, r, 32), SMSUTIL_ROW8(t, r, 40), SMSUTIL_ROW8(t, r, 48), SMSUTIL_ROW8(t, r, 56),   \
+            SMSUTIL_ROW8(t, r, 64), SMSUTIL_ROW8(t, r, 72), SMSUTIL_ROW8(t, r, 80), SMSUTIL_ROW8(t, r, 88),   \
             SMSUTIL_ROW8(t, r, 96), SMSUTIL_ROW8(t, r, 104), SMSUTIL_ROW8(t, r, 112), SMSUTIL_ROW8(t, r, 120) \
     }
 
@@ -115,8 +118,7 @@ namespace {
 constexpr int differing_codes(std::uint32_t row_a, std::uint32_t row_b)
 {
     int n = 0;
-    for (std::uint32_t c = 0; c < kCodeCount; ++c)
-        n += g_GSM_7BitTable[row_a][c] != g_GSM_7BitTable[row_b][c] ? 1 : 0;
+    for (std::uint32_t c = 0; c < kCodeCount; ++c) n += g_GSM_7BitTable[row_a][c] != g_GSM_7BitTable[row_b][c] ? 1 : 0;
     return n;
 }
 

@@ -20,10 +20,7 @@ using Gsm7Rows = std::uint32_t[kRowCount][kCodeCount];
 
 // A received text may name a national language we have no table for; it is
 // read through the default row so that the message stays legible.
-constexpr std::uint32_t decoding_row(std::uint32_t coding)
-{
-    return coding < kRowCount ? coding : 0;
-}
+constexpr std::uint32_t decoding_row(std::uint32_t coding) { return coding < kRowCount ? coding : 0; }
 
 // The character of `code` in the row of `coding`, or kNoCharacter for a
 // code past the end of a row.  Never indexes outside the table.

@@ -39,9 +39,6 @@ static_assert(kv8bit_ucs2_table[0] == kKv8bitNone);
 
 }  // namespace
 
-std::uint8_t find_kv8bit_byte(std::uint16_t unit)
-{
-    return kInverse.find(0, unit);
-}
+std::uint8_t find_kv8bit_byte(std::uint16_t unit) { return kInverse.find(0, unit); }
 
 }  // namespace smsutil::charset

@@ -55,10 +55,7 @@ inline constexpr std::uint32_t kv8bit_ucs2_table[256] = {
 
 // The language block of an upper byte is bits 5 and 6: 0 the default
 // extension, 1 Turkish, 2 Spanish, 3 the empty block.
-constexpr std::uint32_t kv8bit_block(std::uint8_t byte)
-{
-    return (byte >> 5) & 3u;
-}
+constexpr std::uint32_t kv8bit_block(std::uint8_t byte) { return (byte >> 5) & 3u; }
 
 // The first byte whose character is `unit`, or 0 (which stands for no
 // character) when there is none.

@@ -60,8 +60,7 @@ std::uint32_t bounded_length(const std::uint8_t *text, std::uint32_t max)
 extern "C" SMSUTIL_API int32_t ucs2_to_kv8bit(const uint16_t *pUCS2, int32_t iInputLen, uint8_t *p8BitData,
                                               int32_t iBufLen, uint32_t *pdwOutputLen)
 {
-    if (pUCS2 == nullptr || p8BitData == nullptr || pdwOutputLen == nullptr || iInputLen < 0 ||
-        iInputLen > iBufLen)
+    if (pUCS2 == nullptr || p8BitData == nullptr || pdwOutputLen == nullptr || iInputLen < 0 || iInputLen > iBufLen)
         return -1;
     *pdwOutputLen = 0;
     for (int32_t i = 0; i < iInputLen; ++i) {
@@ -77,8 +76,9 @@ extern "C" SMSUTIL_API int32_t kv8bit_to_gsm7bit(const uint8_t *p8BitData, uint3
                                                  uint32_t dwBufLen, uint32_t *pdwOutputLen)
 {
     if (p8BitData == nullptr || pGSM_7Data == nullptr || pdwOutputLen == nullptr || dwInputLen > dwBufLen) {
-        SMS_TRACE("(NULL == p8BitData) || (NULL == pGSM_7Data) || (NULL == pdwOutputLen) || (dwInputLen > "
-                  "dwBufLen)\n\n");
+        SMS_TRACE(
+            "(NULL == p8BitData) || (NULL == pGSM_7Data) || (NULL == pdwOutputLen) || (dwInputLen > "
+            "dwBufLen)\n\n");
         return -1;
     }
 
@@ -91,7 +91,8 @@ extern "C" SMSUTIL_API int32_t kv8bit_to_gsm7bit(const uint8_t *p8BitData, uint3
 
     *pdwOutputLen = 0;
     // The dump shows the text up to its terminator, never past dwInputLen.
-    DumpBuffer(p8BitData, static_cast<int32_t>(bounded_length(p8BitData, std::min<std::uint32_t>(dwInputLen, INT32_MAX))),
+    DumpBuffer(p8BitData,
+               static_cast<int32_t>(bounded_length(p8BitData, std::min<std::uint32_t>(dwInputLen, INT32_MAX))),
                "kv8bit_to_gsm7bit get data of 8bit");
 
     const bool spanish_cedilla = setting == kSpanishCedillaSetting;

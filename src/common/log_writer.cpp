@@ -32,13 +32,13 @@ void log_write(const char *path, const char *text, std::size_t len)
     if (path == nullptr || text == nullptr) return;
     std::lock_guard<std::mutex> lock(g_log_mutex);
     // Wraps like the signed 32-bit count it is; a line is at most 2049 bytes.
-    g_log_bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(g_log_bytes) +
-                                            static_cast<std::uint32_t>(len));
+    g_log_bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(g_log_bytes) + static_cast<std::uint32_t>(len));
     int fd;
     if (g_log_bytes > kLogCapacity) {
         fd = ::open(path, O_WRONLY | O_CREAT, 0755);
         if (fd >= 0) {
-            if (::ftruncate(fd, 0) != 0) { /* the line is still written */ }
+            if (::ftruncate(fd, 0) != 0) { /* the line is still written */
+            }
             ::lseek(fd, 0, SEEK_SET);
         }
         g_log_bytes = 0;

@@ -25,12 +25,12 @@ void trace_line(const char *func, int line, const char *format, ...)
 #define SMS_TRACE_AS(name, ...) ::smsutil::common::trace_line((name), __LINE__, __VA_ARGS__)
 #else
 // Compiled out, but the arguments stay type-checked and "used".
-#define SMS_TRACE(...)                                                            \
-    do {                                                                          \
+#define SMS_TRACE(...)                                                             \
+    do {                                                                           \
         if (false) ::smsutil::common::trace_line(__func__, __LINE__, __VA_ARGS__); \
     } while (0)
-#define SMS_TRACE_AS(name, ...)                                                 \
-    do {                                                                        \
+#define SMS_TRACE_AS(name, ...)                                                  \
+    do {                                                                         \
         if (false) ::smsutil::common::trace_line((name), __LINE__, __VA_ARGS__); \
     } while (0)
 #endif

@@ -11,12 +11,12 @@ namespace {
 constexpr unsigned bit(std::uint8_t octet, unsigned n) { return (octet >> n) & 1u; }
 
 // Reads one octet of the named field into `out`.
-#define PDU_READ(out, error)                  \
-    do {                                      \
-        if (!d.in.read(out)) return (error);  \
+#define PDU_READ(out, error)                 \
+    do {                                     \
+        if (!d.in.read(out)) return (error); \
     } while (0)
-#define PDU_TRY(call)                                     \
-    do {                                                  \
+#define PDU_TRY(call)                                                         \
+    do {                                                                      \
         if (const sms_pdu_result rc_ = (call); rc_ != SMS_PDU_OK) return rc_; \
     } while (0)
 

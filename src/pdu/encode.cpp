@@ -21,12 +21,11 @@ bool options_valid(const sms_pdu_encode_options &options)
 
 extern "C" {
 
-SMSUTIL_API int sms_pdu_encode(const char *utf8, size_t len, const sms_pdu_encode_options *options,
-                               sms_pdu_part *parts, size_t capacity, size_t *count)
+SMSUTIL_API int sms_pdu_encode(const char *utf8, size_t len, const sms_pdu_encode_options *options, sms_pdu_part *parts,
+                               size_t capacity, size_t *count)
 {
     if (count != nullptr) *count = 0;
-    if (options == nullptr || count == nullptr || (utf8 == nullptr && len != 0) ||
-        (parts == nullptr && capacity != 0))
+    if (options == nullptr || count == nullptr || (utf8 == nullptr && len != 0) || (parts == nullptr && capacity != 0))
         return SMS_PDU_ERR_NULL;
     if (!options_valid(*options)) return SMS_PDU_ERR_BAD_OPTIONS;
     Envelope envelope;

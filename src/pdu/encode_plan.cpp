@@ -40,7 +40,10 @@ inline constexpr auto kLatin1Masks = [] {
     return masks;
 }();
 
-constexpr unsigned mask_of(char32_t cp) { return cp < kLatin1Masks.size() ? kLatin1Masks[cp] : table_mask(codes_of(cp)); }
+constexpr unsigned mask_of(char32_t cp)
+{
+    return cp < kLatin1Masks.size() ? kLatin1Masks[cp] : table_mask(codes_of(cp));
+}
 
 // Every table combination in the order that breaks ties between equal
 // part counts: the default alphabet; one shift element (single shifts

@@ -124,8 +124,12 @@ void write_header(const Envelope &envelope, const Plan &plan, std::size_t number
     const auto total = static_cast<std::uint8_t>(plan.parts);
     const auto sequence = static_cast<std::uint8_t>(number);
     if (plan.parts > 1 && envelope.reference_16bit) {
-        const std::array<std::uint8_t, 6> element = {0x08, 4, static_cast<std::uint8_t>(envelope.reference >> 8),
-                                                     static_cast<std::uint8_t>(envelope.reference), total, sequence};
+        const std::array<std::uint8_t, 6> element = {0x08,
+                                                     4,
+                                                     static_cast<std::uint8_t>(envelope.reference >> 8),
+                                                     static_cast<std::uint8_t>(envelope.reference),
+                                                     total,
+                                                     sequence};
         out.put(element);
     } else if (plan.parts > 1) {
         const std::array<std::uint8_t, 5> element = {0x00, 3, static_cast<std::uint8_t>(envelope.reference), total,

@@ -85,8 +85,7 @@ constexpr void for_each_entry(Visit visit)
         // Lowest code first: were a character in a table twice, the first
         // code would be the one kept.
         for (std::size_t c = 0; c < 128; ++c) visit(locking_row(id)[c], id, false, static_cast<std::uint8_t>(c));
-        for (std::size_t c = 0; c < 128; ++c)
-            visit(single_shift_row(id)[c], id, true, static_cast<std::uint8_t>(c));
+        for (std::size_t c = 0; c < 128; ++c) visit(single_shift_row(id)[c], id, true, static_cast<std::uint8_t>(c));
     }
 }
 

@@ -70,8 +70,7 @@ void interpret_element(Decoder &d, std::uint8_t id, std::span<const std::uint8_t
     case kLockingShift: {
         if (!expect(1)) return;
         const bool locking = id == kLockingShift;
-        if (locking ? !is_known_language(data[0]) || data[0] == kDefaultLanguage
-                    : !has_single_shift_table(data[0]))
+        if (locking ? !is_known_language(data[0]) || data[0] == kDefaultLanguage : !has_single_shift_table(data[0]))
             d.problem(SMS_PDU_PROBLEM_UNKNOWN_LANGUAGE, offset);
         note_repeat(d, locking ? r.has_locking_shift : r.has_single_shift, offset);
         (locking ? r.locking_language : r.single_language) = data[0];
@@ -229,11 +228,11 @@ std::size_t decode_text(Decoder &d, bool readable, std::size_t udl, std::size_t 
         transport::unpack_septets(std::span(r.user_data, present), count, 0, all);
         const std::size_t skip = std::min<std::size_t>(count, (r.header_length * 8u + 6) / 7);
         // Without a shift element the language stays 0, the default tables.
-        decode_gsm7(d, std::span(all).subspan(skip, count - skip), r.locking_language, r.single_language,
-                    ud_offset, skip, text);
+        decode_gsm7(d, std::span(all).subspan(skip, count - skip), r.locking_language, r.single_language, ud_offset,
+                    skip, text);
     } else if (readable && r.dcs.alphabet == SMS_PDU_ALPHABET_UCS2) {
-        decode_ucs2(d, std::span(r.user_data + r.header_length, present - r.header_length),
-                    ud_offset + r.header_length, text);
+        decode_ucs2(d, std::span(r.user_data + r.header_length, present - r.header_length), ud_offset + r.header_length,
+                    text);
     }
     return text.size();
 }

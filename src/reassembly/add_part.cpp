@@ -12,7 +12,7 @@ using namespace smsutil::reassembly;
 
 namespace {
 
-constexpr uint32_t kMaxPartText = 0xFFFF; // a part's length is kept in 16 bits
+constexpr uint32_t kMaxPartText = 0xFFFF;  // a part's length is kept in 16 bits
 
 bool is_whole_message(const sms_reasm_part &part)
 {
@@ -23,8 +23,8 @@ bool refused(const Store &store, const sms_reasm_part &part)
 {
     if (part.text_length > kMaxPartText) return true;
     if (part.concatenated == 0) return false;
-    return part.total == 0 || part.number == 0 || part.number > part.total ||
-           part.total > store.config.max_parts || part.text_length > store.config.max_text_bytes;
+    return part.total == 0 || part.number == 0 || part.number > part.total || part.total > store.config.max_parts ||
+           part.text_length > store.config.max_text_bytes;
 }
 
 bool described_well(const sms_reasm_part &part)
@@ -90,10 +90,9 @@ uint32_t open_message(Store &store, const Key &key, const sms_reasm_part &part, 
     return i;
 }
 
-} // namespace
+}  // namespace
 
-extern "C" int sms_reasm_add(sms_reasm_store *store, const sms_reasm_part *part, uint64_t now,
-                             sms_reasm_message *out)
+extern "C" int sms_reasm_add(sms_reasm_store *store, const sms_reasm_part *part, uint64_t now, sms_reasm_message *out)
 {
     if (store == nullptr || part == nullptr || store->magic != kStoreMagic || !described_well(*part)) {
         return SMS_REASM_ERR_ARGUMENT;

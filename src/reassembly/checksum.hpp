@@ -25,4 +25,4 @@ inline uint32_t crc32(const uint8_t *data, std::size_t len)
     return c ^ 0xFFFFFFFFU;
 }
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

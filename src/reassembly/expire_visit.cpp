@@ -38,4 +38,4 @@ int sms_reasm_visit(sms_reasm_store *store)
     return visited;
 }
 
-} // extern "C"
+}  // extern "C"

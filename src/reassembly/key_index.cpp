@@ -16,12 +16,9 @@ uint32_t hash_of(const Key &key)
 
 uint32_t mask(const Store &store) { return store.layout.index_size - 1; }
 
-} // namespace
+}  // namespace
 
-void clear_index(Store &store)
-{
-    std::memset(key_index(store), 0, sizeof(uint32_t) * store.layout.index_size);
-}
+void clear_index(Store &store) { std::memset(key_index(store), 0, sizeof(uint32_t) * store.layout.index_size); }
 
 uint32_t find_key(const Store &store, const Key &key)
 {
@@ -59,4 +56,4 @@ void erase_key(Store &store, uint32_t i)
     index[hole] = 0;
 }
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

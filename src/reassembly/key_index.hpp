@@ -17,4 +17,4 @@ uint32_t find_key(const Store &store, const Key &key);
 void insert_key(Store &store, uint32_t i);
 void erase_key(Store &store, uint32_t i);
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

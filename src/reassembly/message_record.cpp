@@ -39,14 +39,17 @@ uint32_t join(const MessageSource &source, char *out, uint32_t capacity)
     const uint8_t total = total_of(source);
     for (unsigned n = 1; n <= total; ++n) {
         const PartView view = part_view(source, static_cast<uint8_t>(n));
-        if (!view.present) joiner.gap();
-        else if (view.coding == SMS_CONTENT_8BIT) joiner.append_data(view.text);
-        else joiner.append_text(view.text);
+        if (!view.present)
+            joiner.gap();
+        else if (view.coding == SMS_CONTENT_8BIT)
+            joiner.append_data(view.text);
+        else
+            joiner.append_text(view.text);
     }
     return joiner.finish();
 }
 
-} // namespace
+}  // namespace
 
 uint32_t joined_length(const MessageSource &source) { return join(source, nullptr, 0); }
 
@@ -105,4 +108,4 @@ void hand_over(Store &store, uint32_t i, int reason)
     store.config.handover(store.config.handover_context, &record, reason);
 }
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

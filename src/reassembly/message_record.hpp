@@ -26,4 +26,4 @@ void fill_message(const MessageSource &source, sms_reasm_message &out);
 // record and text buffer; the slot stays where it is.
 void hand_over(Store &store, uint32_t i, int reason);
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

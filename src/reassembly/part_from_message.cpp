@@ -22,8 +22,8 @@ extern "C" int sms_reasm_part_from_message(const SmsMessage *message, sms_reasm_
     part->coding = static_cast<uint8_t>(message->sms_content_code);
     std::memcpy(part->address, message->szAddress, strnlen(message->szAddress, sizeof message->szAddress - 1));
     std::memcpy(part->service_centre, message->sca, strnlen(message->sca, sizeof message->sca - 1));
-    part->time = {message->wYear, message->byMonth, message->byDay, message->byHour, message->byMinute,
-                  message->bySecond, 0, 0};
+    part->time = {
+        message->wYear, message->byMonth, message->byDay, message->byHour, message->byMinute, message->bySecond, 0, 0};
     part->text = message->content;
     part->text_length = static_cast<uint32_t>(strnlen(message->content, sizeof message->content - 1));
     return 0;

@@ -10,18 +10,22 @@ uint8_t content_coding(const sms_pdu_record &record)
 {
     if (record.dcs.compressed != 0) return SMS_CONTENT_OTHER;
     switch (record.dcs.alphabet) {
-    case SMS_PDU_ALPHABET_GSM7: return SMS_CONTENT_7BIT;
-    case SMS_PDU_ALPHABET_8BIT: return SMS_CONTENT_8BIT;
-    default: return SMS_CONTENT_UCS2;
+    case SMS_PDU_ALPHABET_GSM7:
+        return SMS_CONTENT_7BIT;
+    case SMS_PDU_ALPHABET_8BIT:
+        return SMS_CONTENT_8BIT;
+    default:
+        return SMS_CONTENT_UCS2;
     }
 }
 
-template <size_t N> void copy_text(char (&to)[N], const char *from)
+template <size_t N>
+void copy_text(char (&to)[N], const char *from)
 {
     std::memcpy(to, from, std::min(std::strlen(from), N - 1));
 }
 
-} // namespace
+}  // namespace
 
 extern "C" int sms_reasm_part_from_record(const sms_pdu_record *record, sms_reasm_part *part)
 {
@@ -41,8 +45,14 @@ extern "C" int sms_reasm_part_from_record(const sms_pdu_record *record, sms_reas
     // A SUBMIT carries no time stamp; its part keeps year 0 for "none".
     if (record->kind == SMS_PDU_DELIVER || record->kind == SMS_PDU_STATUS_REPORT) {
         const sms_pdu_time &t = record->timestamp;
-        part->time = {static_cast<uint16_t>(t.year + (t.year < 96 ? 2000 : 1900)), t.month, t.day, t.hour,
-                      t.minute, t.second, t.timezone, 1};
+        part->time = {static_cast<uint16_t>(t.year + (t.year < 96 ? 2000 : 1900)),
+                      t.month,
+                      t.day,
+                      t.hour,
+                      t.minute,
+                      t.second,
+                      t.timezone,
+                      1};
     }
     if (part->coding == SMS_CONTENT_8BIT || part->coding == SMS_CONTENT_OTHER) {
         const uint16_t start = std::min(record->header_length, record->user_data_length);

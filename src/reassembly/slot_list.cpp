@@ -41,10 +41,14 @@ void release_slot(Store &store, uint32_t i)
 {
     Slot &slot = slot_at(store, i);
     erase_key(store, i);
-    if (slot.older != kNoSlot) slot_at(store, slot.older).newer = slot.newer;
-    else store.oldest = slot.newer;
-    if (slot.newer != kNoSlot) slot_at(store, slot.newer).older = slot.older;
-    else store.newest = slot.older;
+    if (slot.older != kNoSlot)
+        slot_at(store, slot.older).newer = slot.newer;
+    else
+        store.oldest = slot.newer;
+    if (slot.newer != kNoSlot)
+        slot_at(store, slot.newer).older = slot.older;
+    else
+        store.newest = slot.older;
     store.pending_messages -= 1;
     store.pending_parts -= slot.part_count;
     store.pending_bytes -= slot.used_bytes;
@@ -53,4 +57,4 @@ void release_slot(Store &store, uint32_t i)
     store.free_head = i;
 }
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

@@ -12,10 +12,10 @@
 //   CRC-32 of everything before it u32
 #include <cstring>
 
+#include "common/octets.hpp"
 #include "reassembly/checksum.hpp"
 #include "reassembly/key_index.hpp"
 #include "reassembly/store_layout.hpp"
-#include "common/octets.hpp"
 
 using namespace smsutil::reassembly;
 using smsutil::common::OctetReader;
@@ -154,8 +154,8 @@ int read_message(Store &store, ImageReader &r, uint64_t now)
         !r.text(key.address, sizeof key.address) || !r.text(service_centre, sizeof service_centre)) {
         return SMS_REASM_ERR_STATE_DAMAGED;
     }
-    if (kind > SMS_REASM_STORED_OUTGOING || (bits != 8 && bits != 16) || (bits == 8 && reference > 0xFF) ||
-        total < 2 || count == 0 || count >= total) {
+    if (kind > SMS_REASM_STORED_OUTGOING || (bits != 8 && bits != 16) || (bits == 8 && reference > 0xFF) || total < 2 ||
+        count == 0 || count >= total) {
         return SMS_REASM_ERR_STATE_DAMAGED;
     }
     if (total > store.config.max_parts) return SMS_REASM_ERR_STATE_FIT;
@@ -207,7 +207,7 @@ int read_message(Store &store, ImageReader &r, uint64_t now)
     return time_number == lowest_number(parts, total) ? 0 : SMS_REASM_ERR_STATE_DAMAGED;
 }
 
-} // namespace
+}  // namespace
 
 extern "C" {
 
@@ -260,4 +260,4 @@ int sms_reasm_load_state(sms_reasm_store *store, uint64_t now, const void *buffe
     return result;
 }
 
-} // extern "C"
+}  // extern "C"

@@ -11,8 +11,7 @@ Layout compute_layout(const sms_reasm_config &config)
 {
     Layout layout{};
     if (config.max_messages == 0 || config.max_messages > kMaxMessages || config.max_parts == 0 ||
-        config.max_parts > SMS_REASM_MAX_PARTS || config.max_text_bytes == 0 ||
-        config.max_text_bytes > kMaxTextBytes) {
+        config.max_parts > SMS_REASM_MAX_PARTS || config.max_text_bytes == 0 || config.max_text_bytes > kMaxTextBytes) {
         return layout;
     }
     layout.index_size = 2;
@@ -35,7 +34,7 @@ Layout compute_layout(const sms_reasm_config &config)
     return layout;
 }
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly
 
 extern "C" {
 
@@ -72,4 +71,4 @@ int sms_reasm_get_stats(const sms_reasm_store *store, sms_reasm_stats *stats)
     return 0;
 }
 
-} // extern "C"
+}  // extern "C"

@@ -32,7 +32,7 @@ struct Key {
 };
 
 struct PartEntry {
-    uint32_t offset; // into the slot's text
+    uint32_t offset;  // into the slot's text
     uint16_t length;
     uint8_t coding;
     uint8_t present;
@@ -41,7 +41,7 @@ struct PartEntry {
 struct Slot {
     Key key;
     char service_centre[SMS_REASM_ADDRESS_SIZE];
-    sms_reasm_time time; // of part time_number, the lowest held
+    sms_reasm_time time;  // of part time_number, the lowest held
     uint8_t time_number;
     uint8_t part_count;
     uint32_t used_bytes;
@@ -59,18 +59,18 @@ inline constexpr std::size_t align_up(std::size_t n)
 
 // The bytes every part of the store needs for these bounds.
 struct Layout {
-    uint32_t index_size; // entries, a power of two at least twice max_messages
+    uint32_t index_size;  // entries, a power of two at least twice max_messages
     std::size_t index_offset;
     std::size_t record_offset;
     std::size_t scratch_offset;
     std::size_t slots_offset;
     std::size_t slot_stride;
-    std::size_t total; // 0 when the bounds are out of range or too large
+    std::size_t total;  // 0 when the bounds are out of range or too large
 };
 
 Layout compute_layout(const sms_reasm_config &config);
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly
 
 // The store header at the start of the caller's buffer.
 struct sms_reasm_store_s {
@@ -80,7 +80,7 @@ struct sms_reasm_store_s {
     uint32_t pending_messages;
     uint32_t pending_parts;
     uint32_t pending_bytes;
-    uint32_t oldest; // head of the arrival list
+    uint32_t oldest;  // head of the arrival list
     uint32_t newest;
     uint32_t free_head;
 };
@@ -136,7 +136,7 @@ inline uint64_t age_of(const Slot &slot, uint64_t now)
 
 // Arrival list and free list (slot_list.cpp).
 void reset_slots(Store &store);
-uint32_t take_free_slot(Store &store); // appended as newest; kNoSlot when none is free
+uint32_t take_free_slot(Store &store);  // appended as newest; kNoSlot when none is free
 void release_slot(Store &store, uint32_t i);
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

@@ -19,7 +19,7 @@ uint32_t surrogate_at(std::span<const uint8_t> text, std::size_t pos)
 
 bool is_high(uint32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 
-} // namespace
+}  // namespace
 
 void TextJoiner::put(const uint8_t *bytes, uint32_t n)
 {
@@ -62,8 +62,8 @@ void TextJoiner::append_text(std::span<const uint8_t> text)
         // Surrogates are the only sequences that start with 0xED below
         // U+E000: everything before the next one is copied in one go.
         const void *lead = std::memchr(text.data() + pos, 0xED, text.size() - pos);
-        const std::size_t end = lead != nullptr ? static_cast<std::size_t>(static_cast<const uint8_t *>(lead) - text.data())
-                                                : text.size();
+        const std::size_t end =
+            lead != nullptr ? static_cast<std::size_t>(static_cast<const uint8_t *>(lead) - text.data()) : text.size();
         if (end > pos) {
             flush_high();
             put(text.data() + pos, static_cast<uint32_t>(end - pos));
@@ -103,4 +103,4 @@ uint32_t TextJoiner::finish()
     return length_;
 }
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

@@ -33,7 +33,7 @@ private:
     char *out_;
     uint32_t capacity_;
     uint32_t length_ = 0;
-    uint32_t high_ = 0; // a high surrogate waiting for its low half; 0 when none
+    uint32_t high_ = 0;  // a high surrogate waiting for its low half; 0 when none
 };
 
-} // namespace smsutil::reassembly
+}  // namespace smsutil::reassembly

@@ -3,10 +3,7 @@
 
 extern "C" {
 
-SMSUTIL_API uint8_t wms_ts_int_to_bcd(uint8_t v)
-{
-    return static_cast<uint8_t>(((v / 10) << 4) + (v % 10));
-}
+SMSUTIL_API uint8_t wms_ts_int_to_bcd(uint8_t v) { return static_cast<uint8_t>(((v / 10) << 4) + (v % 10)); }
 
 SMSUTIL_API uint8_t wms_ts_bcd_to_int(uint8_t bcd, uint8_t *value)
 {

@@ -82,7 +82,7 @@ std::size_t decode_other_element(std::uint8_t iei, std::span<const std::uint8_t>
 std::size_t encode_user_data(const wms_gw_dcs &dcs, const wms_gw_user_data &data, OctetWriter &out);
 
 struct UserDataDecode {
-    bool complete = false;   // false: TP-UD is shorter than TP-UDL announces
+    bool complete = false;  // false: TP-UD is shorter than TP-UDL announces
     std::size_t consumed = 0;
 };
 // TP-UD from `in` (the rest of the TPDU, TP-UDL already read).

@@ -44,10 +44,9 @@ SMSUTIL_API wms_status_e_type wms_ts_encode_deliver(const wms_gw_deliver *msg, w
     using namespace smsutil::transport;
     if (raw == nullptr || msg == nullptr) return WMS_TS_STATUS_BAD_ADDRESS;
     OctetWriter out = cleared_tpdu_writer(*raw);
-    out.put(static_cast<uint8_t>((msg->more_msgs_to_send == 0 ? 0x04 : 0) |
-                                 (msg->status_report_indication != 0 ? 0x20 : 0) |
-                                 (msg->user_data_header_present != 0 ? 0x40 : 0) |
-                                 (msg->reply_path_present != 0 ? 0x80 : 0)));
+    out.put(static_cast<uint8_t>(
+        (msg->more_msgs_to_send == 0 ? 0x04 : 0) | (msg->status_report_indication != 0 ? 0x20 : 0) |
+        (msg->user_data_header_present != 0 ? 0x40 : 0) | (msg->reply_path_present != 0 ? 0x80 : 0)));
     if (encode_address(msg->address, out) == 0) return WMS_TS_STATUS_BAD_ADDRESS;
     out.put(msg->pid);
     out.put(encode_dcs_octet(msg->dcs));

@@ -22,8 +22,8 @@ extern "C" {
 SMSUTIL_API uint8_t wms_ts_encode_relative_time(const wms_timestamp *duration)
 {
     if (duration == nullptr) return 0;
-    const unsigned days = 365 * bcd_or_zero(duration->year) + 30 * bcd_or_zero(duration->month) +
-                          bcd_or_zero(duration->day);
+    const unsigned days =
+        365 * bcd_or_zero(duration->year) + 30 * bcd_or_zero(duration->month) + bcd_or_zero(duration->day);
     if (days > 30) return static_cast<uint8_t>(192 + ceil_div(days, 7));
     if (days >= 1) return static_cast<uint8_t>(166 + days);
     const unsigned minutes = 60 * bcd_or_zero(duration->hour) + bcd_or_zero(duration->minute);

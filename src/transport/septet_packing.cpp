@@ -69,8 +69,8 @@ SMSUTIL_API uint16_t wms_ts_pack_gw_7_bit_chars(const uint8_t *septets, uint16_t
                                                 uint16_t capacity, uint8_t *out)
 {
     if (out == nullptr || (septets == nullptr && count != 0)) return 0;
-    return static_cast<uint16_t>(smsutil::transport::pack_septets(
-        std::span<const uint8_t>(septets, count), fill, std::span<uint8_t>(out, capacity)));
+    return static_cast<uint16_t>(smsutil::transport::pack_septets(std::span<const uint8_t>(septets, count), fill,
+                                                                  std::span<uint8_t>(out, capacity)));
 }
 
 SMSUTIL_API uint8_t wms_ts_unpack_gw_7_bit_chars(const uint8_t *packed, uint8_t count, uint8_t capacity,

@@ -14,8 +14,8 @@ std::span<const std::uint8_t> element_data(const std::uint8_t *iedl) { return {i
 
 // Copies a fixed-size element body (position, then n octets) when IEDL
 // announces at least that much; the octets consumed, 0 otherwise.
-std::size_t decode_positioned(const std::uint8_t *iedl, std::uint16_t kind, std::uint8_t &position,
-                              std::uint8_t *dest, std::size_t n)
+std::size_t decode_positioned(const std::uint8_t *iedl, std::uint16_t kind, std::uint8_t &position, std::uint8_t *dest,
+                              std::size_t n)
 {
     const auto data = element_data(iedl);
     if (data.empty() || data.size() < 1 + n || decode_slot_ptr == nullptr) return 0;
@@ -99,8 +99,7 @@ SMSUTIL_API uint8_t wms_ts_decode_udh_pre_def_sound(const uint8_t *iedl)
 {
     if (iedl == nullptr || decode_slot_ptr == nullptr) return 0;
     auto &e = decode_slot_ptr->u.pre_def_sound;
-    return static_cast<uint8_t>(
-        smsutil::transport::decode_pair(iedl, WMS_UDH_PRE_DEF_SOUND, e.position, e.snd_number));
+    return static_cast<uint8_t>(smsutil::transport::decode_pair(iedl, WMS_UDH_PRE_DEF_SOUND, e.position, e.snd_number));
 }
 
 SMSUTIL_API uint8_t wms_ts_decode_udh_pre_def_anim(const uint8_t *iedl)
@@ -129,16 +128,16 @@ SMSUTIL_API uint8_t wms_ts_decode_udh_large_anim(const uint8_t *iedl)
 {
     if (iedl == nullptr || decode_slot_ptr == nullptr) return 0;
     auto &e = decode_slot_ptr->u.large_anim;
-    return static_cast<uint8_t>(smsutil::transport::decode_positioned(iedl, WMS_UDH_LARGE_ANIM, e.position,
-                                                                      &e.data[0][0], sizeof e.data));
+    return static_cast<uint8_t>(
+        smsutil::transport::decode_positioned(iedl, WMS_UDH_LARGE_ANIM, e.position, &e.data[0][0], sizeof e.data));
 }
 
 SMSUTIL_API uint8_t wms_ts_decode_udh_small_anim(const uint8_t *iedl)
 {
     if (iedl == nullptr || decode_slot_ptr == nullptr) return 0;
     auto &e = decode_slot_ptr->u.small_anim;
-    return static_cast<uint8_t>(smsutil::transport::decode_positioned(iedl, WMS_UDH_SMALL_ANIM, e.position,
-                                                                      &e.data[0][0], sizeof e.data));
+    return static_cast<uint8_t>(
+        smsutil::transport::decode_positioned(iedl, WMS_UDH_SMALL_ANIM, e.position, &e.data[0][0], sizeof e.data));
 }
 
 SMSUTIL_API uint8_t wms_ts_decode_udh_large_picture(const uint8_t *iedl)
@@ -175,8 +174,8 @@ SMSUTIL_API uint8_t wms_ts_decode_udh_var_picture(const uint8_t *iedl)
 SMSUTIL_API uint8_t wms_ts_decode_udh_user_prompt(const uint8_t *iedl)
 {
     if (iedl == nullptr || decode_slot_ptr == nullptr) return 0;
-    return static_cast<uint8_t>(smsutil::transport::decode_single(iedl, WMS_UDH_USER_PROMPT,
-                                                                  decode_slot_ptr->u.user_prompt.number_of_objects));
+    return static_cast<uint8_t>(
+        smsutil::transport::decode_single(iedl, WMS_UDH_USER_PROMPT, decode_slot_ptr->u.user_prompt.number_of_objects));
 }
 
 SMSUTIL_API uint8_t wms_ts_decode_udh_rfc822(const uint8_t *iedl)
@@ -212,8 +211,8 @@ SMSUTIL_API uint8_t wms_ts_decode_udh_eo(const uint8_t *iedl, uint8_t first_segm
 SMSUTIL_API uint8_t wms_ts_decode_udh_other(const uint8_t *iei)
 {
     if (iei == nullptr || decode_slot_ptr == nullptr) return 0;
-    return static_cast<uint8_t>(smsutil::transport::decode_other_element(
-        iei[0], std::span<const uint8_t>(iei + 2, iei[1]), *decode_slot_ptr));
+    return static_cast<uint8_t>(
+        smsutil::transport::decode_other_element(iei[0], std::span<const uint8_t>(iei + 2, iei[1]), *decode_slot_ptr));
 }
 
 }  // extern "C"

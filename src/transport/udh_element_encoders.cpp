@@ -118,11 +118,14 @@ std::size_t build_element(const wms_udh &e, ElementBuffer out)
 {
     const auto &u = e.u;
     switch (e.header_id) {
-    case WMS_UDH_SPECIAL_SM: return build_special_sm(u.special_sm, out);
-    case WMS_UDH_TEXT_FORMATTING: return build_text_formatting(u.text_formatting, out);
+    case WMS_UDH_SPECIAL_SM:
+        return build_special_sm(u.special_sm, out);
+    case WMS_UDH_TEXT_FORMATTING:
+        return build_text_formatting(u.text_formatting, out);
     case WMS_UDH_PRE_DEF_SOUND:
         return build_two_octets(WMS_UDH_PRE_DEF_SOUND, u.pre_def_sound.position, u.pre_def_sound.snd_number, out);
-    case WMS_UDH_USER_DEF_SOUND: return build_user_def_sound(u.user_def_sound, out);
+    case WMS_UDH_USER_DEF_SOUND:
+        return build_user_def_sound(u.user_def_sound, out);
     case WMS_UDH_PRE_DEF_ANIM:
         return build_two_octets(WMS_UDH_PRE_DEF_ANIM, u.pre_def_anim.position, u.pre_def_anim.animation_number, out);
     case WMS_UDH_LARGE_ANIM:
@@ -137,11 +140,16 @@ std::size_t build_element(const wms_udh &e, ElementBuffer out)
     case WMS_UDH_SMALL_PICTURE:
         return build_positioned(WMS_UDH_SMALL_PICTURE, u.small_picture.position, u.small_picture.data,
                                 sizeof u.small_picture.data, out);
-    case WMS_UDH_VAR_PICTURE: return build_var_picture(u.var_picture, out);
-    case WMS_UDH_USER_PROMPT: return ElementBuilder(out, WMS_UDH_USER_PROMPT).put(u.user_prompt.number_of_objects).finish();
-    case WMS_UDH_EO: return build_eo(u.eo, out);
-    case WMS_UDH_RFC822: return ElementBuilder(out, WMS_UDH_RFC822).put(u.rfc822.header_length).finish();
-    default: return build_other(u.other, out);
+    case WMS_UDH_VAR_PICTURE:
+        return build_var_picture(u.var_picture, out);
+    case WMS_UDH_USER_PROMPT:
+        return ElementBuilder(out, WMS_UDH_USER_PROMPT).put(u.user_prompt.number_of_objects).finish();
+    case WMS_UDH_EO:
+        return build_eo(u.eo, out);
+    case WMS_UDH_RFC822:
+        return ElementBuilder(out, WMS_UDH_RFC822).put(u.rfc822.header_length).finish();
+    default:
+        return build_other(u.other, out);
     }
 }
 
@@ -179,7 +187,10 @@ SMSUTIL_API uint8_t wms_ts_encode_udh_user_def_sound(uint8_t *out)
 {
     return encode_current_as(WMS_UDH_USER_DEF_SOUND, out);
 }
-SMSUTIL_API uint8_t wms_ts_encode_udh_pre_def_anim(uint8_t *out) { return encode_current_as(WMS_UDH_PRE_DEF_ANIM, out); }
+SMSUTIL_API uint8_t wms_ts_encode_udh_pre_def_anim(uint8_t *out)
+{
+    return encode_current_as(WMS_UDH_PRE_DEF_ANIM, out);
+}
 SMSUTIL_API uint8_t wms_ts_encode_udh_large_anim(uint8_t *out) { return encode_current_as(WMS_UDH_LARGE_ANIM, out); }
 SMSUTIL_API uint8_t wms_ts_encode_udh_small_anim(uint8_t *out) { return encode_current_as(WMS_UDH_SMALL_ANIM, out); }
 SMSUTIL_API uint8_t wms_ts_encode_udh_large_picture(uint8_t *out)

@@ -90,8 +90,8 @@ struct TextSpan {
 // The header is read from the rest of the TPDU (`in`), not only from the
 // octets TP-UDL covers: a header longer than TP-UDL allows is kept, and the
 // text it leaves no room for is empty.
-TextSpan septet_text(std::uint8_t udl, std::span<const std::uint8_t> in, bool header_present,
-                     wms_gw_user_data &data, unsigned &start_code)
+TextSpan septet_text(std::uint8_t udl, std::span<const std::uint8_t> in, bool header_present, wms_gw_user_data &data,
+                     unsigned &start_code)
 {
     start_code = 0;
     if (!header_present) return {0, udl};
@@ -112,7 +112,8 @@ TextSpan octet_text(std::uint8_t udl, std::span<const std::uint8_t> in, bool hea
     // The data skip the header only when its last element examined is a
     // concatenation element; a header that examined no element of this call
     // is treated as a cleared slot would be, skipping just the UDHL octet.
-    const std::uint16_t last_id = header.last_slot < 0 ? WMS_UDH_CONCAT_8BIT_REF : data.headers[header.last_slot].header_id;
+    const std::uint16_t last_id =
+        header.last_slot < 0 ? WMS_UDH_CONCAT_8BIT_REF : data.headers[header.last_slot].header_id;
     if (last_id != WMS_UDH_CONCAT_8BIT_REF && last_id != WMS_UDH_CONCAT_16BIT_REF) return {0, udl};
     const std::size_t skipped = header.udhl + 1u;
     return {skipped, udl > skipped ? udl - skipped : 0};

@@ -44,8 +44,7 @@ std::size_t build_inline_element(const wms_udh &e, ElementBuffer out)
     }
     default: {  // the two national language shifts
         const auto &n = e.u.nat_lang_ss;
-        const std::array<std::uint8_t, 3> octets{static_cast<std::uint8_t>(e.header_id), n.length,
-                                                 n.national_language};
+        const std::array<std::uint8_t, 3> octets{static_cast<std::uint8_t>(e.header_id), n.length, n.national_language};
         std::copy(octets.begin(), octets.end(), out.begin());
         return octets.size();
     }
@@ -205,8 +204,7 @@ SMSUTIL_API uint8_t wms_ts_encode_user_data_header(uint8_t count, const wms_udh 
     return smsutil::transport::encode_header(count, headers, w);
 }
 
-SMSUTIL_API uint8_t wms_ts_decode_user_data_header(uint8_t udhl, const uint8_t *data, uint8_t *count,
-                                                   wms_udh *headers)
+SMSUTIL_API uint8_t wms_ts_decode_user_data_header(uint8_t udhl, const uint8_t *data, uint8_t *count, wms_udh *headers)
 {
     (void)udhl;  // the header's own first octet is what counts
     if (data == nullptr || count == nullptr || headers == nullptr) return 0;

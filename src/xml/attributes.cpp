@@ -43,8 +43,7 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_GetAttr(const XML_Node *element, const c
 extern "C" SMSUTIL_API uint32_t NDL_XML_GetFirstAttr(const XML_Node *element, const char **outPrefix,
                                                      const char **outName, const char **outValue)
 {
-    if (element == nullptr || outPrefix == nullptr || outName == nullptr || outValue == nullptr)
-        return XML_ERR_PARAM;
+    if (element == nullptr || outPrefix == nullptr || outName == nullptr || outValue == nullptr) return XML_ERR_PARAM;
     if (element->firstAttr == nullptr) return XML_ERR_NOT_FOUND;
     store_attr(element->firstAttr, outPrefix, outName, outValue);
     return XML_OK;
@@ -54,8 +53,7 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_GetNextSiblingAttr(const XML_Node *eleme
                                                            const char *name, const char **outPrefix,
                                                            const char **outName, const char **outValue)
 {
-    if (element == nullptr || name == nullptr || outPrefix == nullptr || outName == nullptr ||
-        outValue == nullptr)
+    if (element == nullptr || name == nullptr || outPrefix == nullptr || outName == nullptr || outValue == nullptr)
         return XML_ERR_PARAM;
     const XML_Node *attr = find_attr(element, prefix, name);
     if (attr == nullptr || attr->nextSibling == nullptr) return XML_ERR_NOT_FOUND;

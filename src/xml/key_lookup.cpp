@@ -173,8 +173,7 @@ extern "C" SMSUTIL_API int NDL_XML_GetNodeOrAttr_NodeEx(const XML_Node *root, co
     return lookup(root, key, outText, outSize);
 }
 
-extern "C" SMSUTIL_API int NDL_XML_GetNodeOrAttrEx(const char *file, const char *key, char *outText,
-                                                   size_t outSize)
+extern "C" SMSUTIL_API int NDL_XML_GetNodeOrAttrEx(const char *file, const char *key, char *outText, size_t outSize)
 {
     return lookup_file(file, key, outText, outSize);
 }

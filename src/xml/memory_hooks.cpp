@@ -51,7 +51,10 @@ char *copy_bytes(const char *text, std::size_t len)
 
 extern "C" SMSUTIL_API XML_HOOK_CALL void *XML_Malloc(size_t size) { return g_hooks.pfnMalloc(size); }
 
-extern "C" SMSUTIL_API XML_HOOK_CALL void *XML_Calloc(size_t count, size_t size) { return g_hooks.pfnCalloc(count, size); }
+extern "C" SMSUTIL_API XML_HOOK_CALL void *XML_Calloc(size_t count, size_t size)
+{
+    return g_hooks.pfnCalloc(count, size);
+}
 
 extern "C" SMSUTIL_API XML_HOOK_CALL void *XML_Realloc(void *ptr, size_t size) { return g_hooks.pfnRealloc(ptr, size); }
 

@@ -58,8 +58,7 @@ extern "C" SMSUTIL_API char *XML_Strdup(const char *text)
     return text != nullptr ? smsutil::xml::copy_bytes(text, std::strlen(text)) : nullptr;
 }
 
-extern "C" SMSUTIL_API uint32_t XML_SetNode(XML_Node *node, const char *prefix, const char *name,
-                                            const char *value)
+extern "C" SMSUTIL_API uint32_t XML_SetNode(XML_Node *node, const char *prefix, const char *name, const char *value)
 {
     if (node == nullptr) return XML_ERR_PARAM;
     const char *sources[3] = {prefix, name, value};
@@ -93,8 +92,7 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_CreateNode(uint32_t reserved, const char
     return XML_OK;
 }
 
-extern "C" SMSUTIL_API uint32_t NDL_XML_SetNode(XML_Node *node, const char *prefix, const char *name,
-                                                const char *value)
+extern "C" SMSUTIL_API uint32_t NDL_XML_SetNode(XML_Node *node, const char *prefix, const char *name, const char *value)
 {
     if (node == nullptr) return XML_ERR_PARAM;
     clear_if_empty(node->prefix, prefix);
@@ -139,9 +137,8 @@ extern "C" SMSUTIL_API void NDL_XML_FreeNode(XML_Node *node)
     XML_FreeNode(node);
 }
 
-extern "C" SMSUTIL_API uint32_t NDL_XML_GetNodeValue(const XML_Node *node, uint32_t *outKind,
-                                                     const char **outPrefix, const char **outName,
-                                                     const char **outValue)
+extern "C" SMSUTIL_API uint32_t NDL_XML_GetNodeValue(const XML_Node *node, uint32_t *outKind, const char **outPrefix,
+                                                     const char **outName, const char **outValue)
 {
     if (node == nullptr) return XML_ERR_PARAM;
     if (outKind != nullptr) *outKind = node->kind;

@@ -28,7 +28,7 @@ struct ParseState {
     XML_Node *pending;  // allocated ahead for the next start tag
     bool currentOpen;
     uint32_t mode;
-    XML_Node *root;     // first element linked: the caller's result
+    XML_Node *root;  // first element linked: the caller's result
 };
 
 enum class Step { kOk, kEnd, kFail };
@@ -58,7 +58,15 @@ bool starts_with_nocase(const char *text, const char *literal)
 bool is_delimiter(const char *p)
 {
     switch (*p) {
-    case '>': case '<': case '=': case '"': case '\'': case '\r': case ' ': case '\n': case '\t':
+    case '>':
+    case '<':
+    case '=':
+    case '"':
+    case '\'':
+    case '\r':
+    case ' ':
+    case '\n':
+    case '\t':
         return true;
     // The closing sequences are looked for only at their first character:
     // this runs for every character of every name and value.
@@ -215,8 +223,8 @@ bool parse_attribute(ParseState &s)
     if (name == s.input || !is_space(name[-1]) || is_delimiter(name)) return false;
     XML_Node *attr = XML_NewNode(XML_NODE_ATTR);
     if (attr == nullptr) return false;
-    bool ok = split_qname_copy(attr, name, s.tokenLength) && read_token(s) && token_is(s, "=") &&
-              read_token(s) && (token_is(s, "\"") || token_is(s, "'"));
+    bool ok = split_qname_copy(attr, name, s.tokenLength) && read_token(s) && token_is(s, "=") && read_token(s) &&
+              (token_is(s, "\"") || token_is(s, "'"));
     if (ok) {
         const char *value = s.cursor;
         const char *close = std::strchr(value, *s.tokenStart);

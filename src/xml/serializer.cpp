@@ -25,12 +25,23 @@ uint32_t append_escaped(XML_MemBuf *buf, const char *text)
     for (; *text != '\0'; ++text) {
         const char *entity = nullptr;
         switch (*text) {
-        case '"': entity = "&quot;"; break;
-        case '&': entity = "&amp;"; break;
-        case '\'': entity = "&apos;"; break;
-        case '<': entity = "&lt;"; break;
-        case '>': entity = "&gt;"; break;
-        default: break;
+        case '"':
+            entity = "&quot;";
+            break;
+        case '&':
+            entity = "&amp;";
+            break;
+        case '\'':
+            entity = "&apos;";
+            break;
+        case '<':
+            entity = "&lt;";
+            break;
+        case '>':
+            entity = "&gt;";
+            break;
+        default:
+            break;
         }
         const uint32_t rc = entity != nullptr ? XML_MemBufAppendStr(buf, entity) : XML_MemBufAppend(buf, text);
         if (rc != XML_OK) return rc;

@@ -172,8 +172,8 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_GetNodeValueEx(const XML_Node *node, uin
     return smsutil::xml::parse_value(node, type, outValue);
 }
 
-extern "C" SMSUTIL_API uint32_t NDL_XML_GetAttrValueEx(const XML_Node *element, const char *prefix,
-                                                       const char *name, uint32_t type, void *outValue)
+extern "C" SMSUTIL_API uint32_t NDL_XML_GetAttrValueEx(const XML_Node *element, const char *prefix, const char *name,
+                                                       uint32_t type, void *outValue)
 {
     if (element == nullptr || name == nullptr || outValue == nullptr) return XML_ERR_PARAM;
     const XML_Node *attr = smsutil::xml::find_attr(element, prefix, name);

@@ -83,8 +83,8 @@ using smsutil::test::case_name;
 // Every test runs with counting hooks installed; a listener fails any test
 // that ends with blocks still allocated through them.
 struct HookCounters {
-    long requests = 0;      // allocation requests seen
-    long fail_at = 0;       // the request that fails; 0: none
+    long requests = 0;        // allocation requests seen
+    long fail_at = 0;         // the request that fails; 0: none
     bool persistent = false;  // and, if set, every request after it
     long allocations = 0;
     long releases = 0;

@@ -19,18 +19,21 @@ constexpr size_t kTimeOctets = 6;  // year .. second, BCD, no zone on the air
 
 // Absolute times: ISO 8601 local time when every field is BCD, else the six
 // octets in hex so that nothing is lost on the way back.
-Json time_json(const wms_timestamp& t) {
+Json time_json(const wms_timestamp &t)
+{
     if (auto text = iso8601_without_zone(t)) return *text;
     const std::array<uint8_t, kTimeOctets> octets{t.year, t.month, t.day, t.hour, t.minute, t.second};
     return octets_to_hex(octets);
 }
 
-Json relative_json(const wms_timestamp& duration) {
+Json relative_json(const wms_timestamp &duration)
+{
     const auto period = iso8601_duration(duration);
     return {{"code", wms_ts_encode_relative_time(&duration)}, {"period", period ? Json(*period) : Json(nullptr)}};
 }
 
-Json user_data_json(const wms_cdma_user_data& ud) {
+Json user_data_json(const wms_cdma_user_data &ud)
+{
     Json out;
     out["encoding"] = +ud.encoding;
     if (ud.encoding == WMS_ENCODING_IS91EP) out["is91ep_type"] = +ud.is91ep_type;
@@ -44,12 +47,13 @@ Json user_data_json(const wms_cdma_user_data& ud) {
         wms_ts_unpack_ascii(&ud, 255, text.data());
         out["text"] = text.data();
     } else if (ud.encoding == WMS_ENCODING_IS91EP && ud.is91ep_type != WMS_IS91EP_CLI_ORDER) {
-        out["text"] = std::string(reinterpret_cast<const char*>(ud.data), length);
+        out["text"] = std::string(reinterpret_cast<const char *>(ud.data), length);
     }
     return out;
 }
 
-Json callback_json(const wms_address& cb) {
+Json callback_json(const wms_address &cb)
+{
     Json out;
     out["digit_mode"] = +cb.digit_mode;
     if (cb.digit_mode != 0) {
@@ -58,7 +62,7 @@ Json callback_json(const wms_address& cb) {
     }
     const size_t count = std::min<size_t>(cb.number_of_digits, WMS_CDMA_CALLBACK_MAX_DIGITS);
     if (cb.digit_mode != 0) {
-        out["digits"] = std::string(reinterpret_cast<const char*>(cb.digits), count);
+        out["digits"] = std::string(reinterpret_cast<const char *>(cb.digits), count);
         return out;
     }
     std::array<char, WMS_CDMA_CALLBACK_MAX_DIGITS> text{};
@@ -73,62 +77,69 @@ Json callback_json(const wms_address& cb) {
 
 // ---- JSON to record ----
 
-[[noreturn]] void bad(const std::string& key, const std::string& why) { throw BadBearerJson(key + ": " + why); }
+[[noreturn]] void bad(const std::string &key, const std::string &why) { throw BadBearerJson(key + ": " + why); }
 
 // One object of the document and the dotted path that names its keys in
 // messages ("message_id.id: missing").
 class Fields {
 public:
-    Fields(const Json& doc, std::string path, std::initializer_list<const char*> keys)
-        : doc_(doc), path_(std::move(path)) {
+    Fields(const Json &doc, std::string path, std::initializer_list<const char *> keys)
+        : doc_(doc), path_(std::move(path))
+    {
         if (!doc.is_object()) bad(path_.empty() ? "the document" : path_, "expected an object");
-        for (const auto& item : doc.items()) {
+        for (const auto &item : doc.items()) {
             bool known = false;
-            for (const char* key : keys) known = known || item.key() == key;
+            for (const char *key : keys) known = known || item.key() == key;
             if (!known) bad(name(item.key()), "unknown key");
         }
     }
 
-    bool has(const char* key) const { return doc_.contains(key); }
+    bool has(const char *key) const { return doc_.contains(key); }
 
-    std::string name(const std::string& key) const { return path_.empty() ? key : path_ + "." + key; }
+    std::string name(const std::string &key) const { return path_.empty() ? key : path_ + "." + key; }
 
-    const Json& at(const char* key) const {
+    const Json &at(const char *key) const
+    {
         const auto found = doc_.find(key);
         if (found == doc_.end()) bad(name(key), "missing");
         return *found;
     }
 
-    uint32_t number(const char* key, uint32_t max) const {
-        const Json& value = at(key);
+    uint32_t number(const char *key, uint32_t max) const
+    {
+        const Json &value = at(key);
         if (!value.is_number_unsigned()) bad(name(key), "expected an unsigned number");
         const auto number = value.get<uint64_t>();
         if (number > max) bad(name(key), "above " + std::to_string(max));
         return static_cast<uint32_t>(number);
     }
 
-    bool flag(const char* key) const {
-        const Json& value = at(key);
+    bool flag(const char *key) const
+    {
+        const Json &value = at(key);
         if (!value.is_boolean()) bad(name(key), "expected true or false");
         return value.get<bool>();
     }
 
-    std::string text(const char* key) const {
-        const Json& value = at(key);
+    std::string text(const char *key) const
+    {
+        const Json &value = at(key);
         if (!value.is_string()) bad(name(key), "expected a string");
         return value.get<std::string>();
     }
 
-    Fields object(const char* key, std::initializer_list<const char*> keys) const {
+    Fields object(const char *key, std::initializer_list<const char *> keys) const
+    {
         return Fields(at(key), name(key), keys);
     }
 
 private:
-    const Json& doc_;
+    const Json &doc_;
     std::string path_;
 };
 
-wms_timestamp time_from(const Fields& doc, const char* key) {
+wms_timestamp time_from(const Fields &doc, const char *key)
+{
     const std::string text = doc.text(key);
     wms_timestamp t{};
     if (auto octets = hex_to_octets(text); octets && octets->size() == kTimeOctets) {
@@ -137,8 +148,8 @@ wms_timestamp time_from(const Fields& doc, const char* key) {
     }
     unsigned year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     char tail = 0;
-    if (std::sscanf(text.c_str(), "%4u-%2u-%2uT%2u:%2u:%2u%c", &year, &month, &day, &hour, &minute, &second,
-                    &tail) != 6 ||
+    if (std::sscanf(text.c_str(), "%4u-%2u-%2uT%2u:%2u:%2u%c", &year, &month, &day, &hour, &minute, &second, &tail) !=
+            6 ||
         text.size() != 19 || year < 1996 || year > 2095 || month > 99 || day > 99 || hour > 99 || minute > 99 ||
         second > 99) {
         bad(key, "expected YYYY-MM-DDThh:mm:ss (1996-2095) or 12 hexadecimal digits");
@@ -147,14 +158,16 @@ wms_timestamp time_from(const Fields& doc, const char* key) {
     return wms_timestamp{bcd(year % 100), bcd(month), bcd(day), bcd(hour), bcd(minute), bcd(second), 0};
 }
 
-wms_timestamp relative_from(const Fields& doc, const char* key) {
+wms_timestamp relative_from(const Fields &doc, const char *key)
+{
     const Fields period = doc.object(key, {"code", "period"});
     wms_timestamp duration{};
     wms_ts_decode_relative_time(static_cast<uint8_t>(period.number("code", 255)), &duration);
     return duration;
 }
 
-void user_data_from(const Fields& doc, wms_cdma_user_data& ud) {
+void user_data_from(const Fields &doc, wms_cdma_user_data &ud)
+{
     // "text" is printed for people to read; the octets travel in "data".
     if (!doc.has("data") && doc.has("text")) bad(doc.name("data"), "missing (the octets in hex; \"text\" is not read)");
     ud.encoding = doc.number("encoding", 31);
@@ -168,7 +181,8 @@ void user_data_from(const Fields& doc, wms_cdma_user_data& ud) {
     ud.data_len = static_cast<uint8_t>(data->size());
 }
 
-void callback_from(const Fields& doc, wms_address& cb) {
+void callback_from(const Fields &doc, wms_address &cb)
+{
     cb.digit_mode = static_cast<uint8_t>(doc.number("digit_mode", 1));
     if (cb.digit_mode != 0) {
         cb.number_type = static_cast<uint8_t>(doc.number("number_type", 7));
@@ -193,7 +207,8 @@ void callback_from(const Fields& doc, wms_address& cb) {
 
 }  // namespace
 
-Json bearer_data_json(const wms_cdma_bearer_data& bd) {
+Json bearer_data_json(const wms_cdma_bearer_data &bd)
+{
     Json out = Json::object();
     const auto has = [&bd](uint32_t bit) { return (bd.mask & bit) != 0; };
     if (has(WMS_MASK_BD_MSG_ID)) out["message_id"] = {{"type", +bd.message_id.type}, {"id", +bd.message_id.id_number}};
@@ -221,7 +236,8 @@ Json bearer_data_json(const wms_cdma_bearer_data& bd) {
     return out;
 }
 
-wms_cdma_bearer_data bearer_data_from_json(const Json& json) {
+wms_cdma_bearer_data bearer_data_from_json(const Json &json)
+{
     wms_cdma_bearer_data bd;
     std::memset(&bd, 0, sizeof bd);
     const Fields doc(json, "",
@@ -235,8 +251,9 @@ wms_cdma_bearer_data bearer_data_from_json(const Json& json) {
         bd.mask |= WMS_MASK_BD_MSG_ID;
     }
     if (doc.has("user_data")) {
-        user_data_from(doc.object("user_data", {"encoding", "is91ep_type", "num_fields", "padding_bits", "data", "text"}),
-                       bd.user_data);
+        user_data_from(
+            doc.object("user_data", {"encoding", "is91ep_type", "num_fields", "padding_bits", "data", "text"}),
+            bd.user_data);
         bd.mask |= WMS_MASK_BD_USER_DATA;
     }
     if (doc.has("user_response")) {
@@ -244,8 +261,8 @@ wms_cdma_bearer_data bearer_data_from_json(const Json& json) {
         bd.mask |= WMS_MASK_BD_USER_RESP;
     }
     struct TimeField {
-        const char* key;
-        wms_timestamp* field;
+        const char *key;
+        wms_timestamp *field;
         uint32_t bit;
         bool relative;
     };
@@ -254,7 +271,7 @@ wms_cdma_bearer_data bearer_data_from_json(const Json& json) {
                                {"validity_relative", &bd.validity_relative, WMS_MASK_BD_VALID_REL, true},
                                {"deferred_absolute", &bd.deferred_absolute, WMS_MASK_BD_DEFER_ABS, false},
                                {"deferred_relative", &bd.deferred_relative, WMS_MASK_BD_DEFER_REL, true}};
-    for (const auto& t : times) {
+    for (const auto &t : times) {
         if (!doc.has(t.key)) continue;
         *t.field = t.relative ? relative_from(doc, t.key) : time_from(doc, t.key);
         bd.mask |= t.bit;

@@ -16,9 +16,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-Json bearer_data_json(const wms_cdma_bearer_data& bd);
+Json bearer_data_json(const wms_cdma_bearer_data &bd);
 
 // Throws BadBearerJson for unknown keys, wrong types and values out of range.
-wms_cdma_bearer_data bearer_data_from_json(const Json& doc);
+wms_cdma_bearer_data bearer_data_from_json(const Json &doc);
 
 }  // namespace smsutil::cli

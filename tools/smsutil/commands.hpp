@@ -6,11 +6,11 @@
 
 namespace smsutil::cli {
 
-void add_decode_command(CLI::App& app, int& exit_status);
-void add_encode_command(CLI::App& app, int& exit_status);
-void add_split_command(CLI::App& app, int& exit_status);
-void add_cdma_command(CLI::App& app, int& exit_status);
-void add_xml_command(CLI::App& app, int& exit_status);
-void add_join_command(CLI::App& app, int& exit_status);
+void add_decode_command(CLI::App &app, int &exit_status);
+void add_encode_command(CLI::App &app, int &exit_status);
+void add_split_command(CLI::App &app, int &exit_status);
+void add_cdma_command(CLI::App &app, int &exit_status);
+void add_xml_command(CLI::App &app, int &exit_status);
+void add_join_command(CLI::App &app, int &exit_status);
 
 }  // namespace smsutil::cli

@@ -18,8 +18,9 @@ namespace {
 // The message record for one pack: 7-bit packs travel as codes, UCS-2
 // packs as UTF-8 that the library converts itself, emoji as the surrogate
 // pairs it understands.
-std::optional<SmsMessage> message_for_pack(const ComposeRequest& request, Coding coding, const std::string& pack,
-                                           size_t part, size_t total) {
+std::optional<SmsMessage> message_for_pack(const ComposeRequest &request, Coding coding, const std::string &pack,
+                                           size_t part, size_t total)
+{
     SmsMessage message;
     std::memset(&message, 0, sizeof message);
     std::memcpy(message.szAddress, request.to.c_str(), std::min(request.to.size(), sizeof message.szAddress - 1));
@@ -54,7 +55,8 @@ std::optional<SmsMessage> message_for_pack(const ComposeRequest& request, Coding
 // Why a 7-bit part may not fit: the library cuts 153 codes per part but
 // adds a national-language element to the header, and user data holds 160
 // septets at most.  Empty when that is not the reason.
-std::string septet_overflow(const SmsMessage& message) {
+std::string septet_overflow(const SmsMessage &message)
+{
     constexpr size_t kMaxSeptets = 160;
     constexpr size_t kConcatElementOctets = 5;
     constexpr size_t kLanguageElementOctets = 3;
@@ -70,7 +72,8 @@ std::string septet_overflow(const SmsMessage& message) {
            " septets, more than " + std::to_string(kMaxSeptets);
 }
 
-std::optional<std::string> compose_pdu(const SmsMessage& message) {
+std::optional<std::string> compose_pdu(const SmsMessage &message)
+{
     SmsSendPdu output;
     std::memset(&output, 0, sizeof output);
     if (ComposeSms(&message, &output) != SMS_RESULT_OK) return std::nullopt;
@@ -78,7 +81,8 @@ std::optional<std::string> compose_pdu(const SmsMessage& message) {
 }
 
 // What ParseSms makes of a composed PDU; null when it refuses it.
-std::unique_ptr<SmsMessage> parse_back(const std::string& pdu) {
+std::unique_ptr<SmsMessage> parse_back(const std::string &pdu)
+{
     SmsReadPdu input;
     std::memset(&input, 0, sizeof input);
     input.state = 2;  // a stored outgoing message: the SUBMIT path
@@ -89,15 +93,17 @@ std::unique_ptr<SmsMessage> parse_back(const std::string& pdu) {
     return message;
 }
 
-std::string text_read_back(const SmsMessage& message) {
+std::string text_read_back(const SmsMessage &message)
+{
     return from_library_utf8(std::string_view(message.content, strnlen(message.content, sizeof message.content)));
 }
 
 // When the PDU does not read back at all there is no text to compare: the
 // character lost is the one whose prefix of the pack first fails to come
 // back, composed the same way.
-std::optional<LostCharacter> first_character_breaking(const ComposeRequest& request, Coding coding,
-                                                      const std::string& pack, size_t part, size_t total) {
+std::optional<LostCharacter> first_character_breaking(const ComposeRequest &request, Coding coding,
+                                                      const std::string &pack, size_t part, size_t total)
+{
     size_t position = 1;
     for (size_t pos = 0; pos < pack.size(); ++position) {
         const Utf8Character c = utf8_character_at(pack, pos);
@@ -113,8 +119,9 @@ std::optional<LostCharacter> first_character_breaking(const ComposeRequest& requ
 
 // Empty when the PDU reads back as sent, else what differs.  first is the
 // position in the whole text of the pack's first character.
-std::string read_back_problem(const ComposeRequest& request, Coding coding, const std::string& pdu,
-                              const std::string& pack, size_t first, size_t part, size_t total) {
+std::string read_back_problem(const ComposeRequest &request, Coding coding, const std::string &pdu,
+                              const std::string &pack, size_t first, size_t part, size_t total)
+{
     const auto message = parse_back(pdu);
     std::optional<LostCharacter> lost;
     std::string problem;
@@ -124,8 +131,8 @@ std::string read_back_problem(const ComposeRequest& request, Coding coding, cons
     } else if (const std::string text = text_read_back(*message); text != pack) {
         lost = first_lost_character(pack, text);
         problem = "it reads back as \"" + text + "\"";
-    } else if (total > 1 && (message->sms_flag_type != 1 || message->btPack != part ||
-                             message->btTotalPack != total || message->mr != (request.reference & 0xFFU))) {
+    } else if (total > 1 && (message->sms_flag_type != 1 || message->btPack != part || message->btTotalPack != total ||
+                             message->mr != (request.reference & 0xFFU))) {
         return "its concatenation header does not read back";
     } else {
         return {};
@@ -137,7 +144,8 @@ std::string read_back_problem(const ComposeRequest& request, Coding coding, cons
 
 }  // namespace
 
-ComposeOutcome compose_text(const ComposeRequest& given, const std::string& text, Coding coding) {
+ComposeOutcome compose_text(const ComposeRequest &given, const std::string &text, Coding coding)
+{
     ComposeOutcome outcome;
     const Packs packs = split_packs(text, coding, given.language);
     if (!packs.error.empty()) {

@@ -14,7 +14,7 @@ struct ComposeRequest {
     std::string to;
     std::string smsc;
     uint32_t language = 0;
-    uint32_t reference = 0;  // TP-MR and, for a series, the concatenation reference
+    uint32_t reference = 0;       // TP-MR and, for a series, the concatenation reference
     bool reference_given = true;  // false: a series takes a fresh reference
     bool status_report = false;
     bool has_validity = false;
@@ -34,6 +34,6 @@ struct ComposeOutcome {
 
 // coding is Gsm7 or Ucs2.  A part that does not read back as its text and
 // series position is an error: a phone would show the same difference.
-ComposeOutcome compose_text(const ComposeRequest& request, const std::string& text, Coding coding);
+ComposeOutcome compose_text(const ComposeRequest &request, const std::string &text, Coding coding);
 
 }  // namespace smsutil::cli

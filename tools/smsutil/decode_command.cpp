@@ -35,7 +35,8 @@ struct Decoded {
     bool ok = false;
 };
 
-Json failure_json(std::string_view text, const ParseFailure& failure, std::optional<int> result) {
+Json failure_json(std::string_view text, const ParseFailure &failure, std::optional<int> result)
+{
     Json out;
     out["pdu"] = shown_pdu(text);
     // Without a result the library was not called: the text cannot be a PDU.
@@ -48,7 +49,8 @@ Json failure_json(std::string_view text, const ParseFailure& failure, std::optio
     return out;
 }
 
-Decoded through_decoder(std::string_view text, const sms_pdu_record& record, int result) {
+Decoded through_decoder(std::string_view text, const sms_pdu_record &record, int result)
+{
     if (result == SMS_PDU_OK) return {pdu_record_json(record), true};
     Json out;
     out["pdu"] = shown_pdu(text);
@@ -57,7 +59,8 @@ Decoded through_decoder(std::string_view text, const sms_pdu_record& record, int
     return {out, false};
 }
 
-Decoded through_gateway(std::string_view text, const PduText& pdu, uint32_t state, const DecodeOptions& options) {
+Decoded through_gateway(std::string_view text, const PduText &pdu, uint32_t state, const DecodeOptions &options)
+{
     const DecodedTpdu tpdu = pdu.error.empty() ? decode_tpdu(pdu.tpdu, state) : DecodedTpdu{};
     SmsReadPdu read;
     std::memset(&read, 0, sizeof read);
@@ -68,7 +71,7 @@ Decoded through_gateway(std::string_view text, const PduText& pdu, uint32_t stat
     if (result != SMS_RESULT_OK) return {failure_json(text, diagnose_parse_failure(pdu, state, tpdu), result), false};
     Json out = message_json(*message, tpdu_coding(tpdu));
     if (options.raw) {
-        const auto* bytes = reinterpret_cast<const uint8_t*>(message->content);
+        const auto *bytes = reinterpret_cast<const uint8_t *>(message->content);
         out["raw_text"] = octets_to_hex({bytes, strnlen(message->content, sizeof message->content)});
     }
     if (options.detail) out["detail"] = tpdu_detail(tpdu);
@@ -77,10 +80,11 @@ Decoded through_gateway(std::string_view text, const PduText& pdu, uint32_t stat
 
 // The fields both outputs name.  The gateway's time has no offset, so
 // only the local time is compared; status differs in shape by design.
-Json differences(const Decoded& decoder, const Decoded& gateway) {
+Json differences(const Decoded &decoder, const Decoded &gateway)
+{
     if (!decoder.ok || !gateway.ok) return decoder.ok == gateway.ok ? Json::array() : Json::array({"error"});
     Json out = Json::array();
-    for (const char* field : {"type", "sca", "address", "text", "coding", "timestamp", "concatenation"}) {
+    for (const char *field : {"type", "sca", "address", "text", "coding", "timestamp", "concatenation"}) {
         Json a = decoder.json[field];
         Json b = gateway.json[field];
         if (a.is_string() && b.is_string() && std::string_view(field) == "timestamp") {
@@ -93,13 +97,15 @@ Json differences(const Decoded& decoder, const Decoded& gateway) {
 
 // The state ParseSms needs: a modem header's status, else --state, else
 // what the PDU's own first octet says.
-uint32_t gateway_state(const PduInput& input, const DecodeOptions& options, const sms_pdu_record& record, int result) {
+uint32_t gateway_state(const PduInput &input, const DecodeOptions &options, const sms_pdu_record &record, int result)
+{
     if (options.state_given || input.header) return storage_state(input, options.state);
     return result == SMS_PDU_OK && record.kind == SMS_PDU_SUBMIT ? 2U : 1U;
 }
 
 // One PDU in, one JSON line out; false when the PDU failed.
-bool decode_one(const PduInput& input, const DecodeOptions& options) {
+bool decode_one(const PduInput &input, const DecodeOptions &options)
+{
     const std::string_view text = input.pdu;
     const PduText pdu = split_pdu_text(text);
     const auto print = [&](Json fields, bool ok) {
@@ -129,10 +135,11 @@ bool decode_one(const PduInput& input, const DecodeOptions& options) {
     return print(out, decoder.ok);
 }
 
-void run_decode(const DecodeOptions& options, int& exit_status) {
+void run_decode(const DecodeOptions &options, int &exit_status)
+{
     bool all_ok = true;
     if (!options.pdus.empty()) {
-        for (const auto& pdu : options.pdus) all_ok = decode_one(pdu_argument(pdu), options) && all_ok;
+        for (const auto &pdu : options.pdus) all_ok = decode_one(pdu_argument(pdu), options) && all_ok;
     } else {
         ModemReader reader(std::cin);
         while (auto input = reader.next()) all_ok = decode_one(*input, options) && all_ok;
@@ -143,10 +150,11 @@ void run_decode(const DecodeOptions& options, int& exit_status) {
 
 }  // namespace
 
-void add_decode_command(CLI::App& app, int& exit_status) {
+void add_decode_command(CLI::App &app, int &exit_status)
+{
     auto options = std::make_shared<DecodeOptions>();
-    CLI::App* cmd = app.add_subcommand("decode", "Decode PDUs as a modem prints them, one JSON object per PDU");
-    auto* state = cmd->add_option("--state", options->state,
+    CLI::App *cmd = app.add_subcommand("decode", "Decode PDUs as a modem prints them, one JSON object per PDU");
+    auto *state = cmd->add_option("--state", options->state,
                                   "With --gateway or --compare: storage state ParseSms takes, 0/1 received "
                                   "(DELIVER, STATUS-REPORT), 2/3 stored outgoing (SUBMIT); a +CMGL or +CMGR "
                                   "header's status takes its place, and without either the PDU's kind decides")

@@ -35,15 +35,17 @@ struct EncodeOptions {
     std::string text;
 };
 
-void validate_numbers(const ComposeRequest& request) {
+void validate_numbers(const ComposeRequest &request)
+{
     if (auto problem = dial_number_problem(request.to); !problem.empty()) throw UsageError("--to " + problem);
     if (request.smsc.empty()) return;
     if (auto problem = dial_number_problem(request.smsc); !problem.empty()) throw UsageError("--smsc " + problem);
 }
 
-void print_submit_parts(const std::vector<sms_pdu_part>& parts, bool at_commands) {
+void print_submit_parts(const std::vector<sms_pdu_part> &parts, bool at_commands)
+{
     for (size_t i = 0; i < parts.size(); ++i) {
-        const sms_pdu_part& part = parts[i];
+        const sms_pdu_part &part = parts[i];
         if (at_commands) {
             std::cout << "AT+CMGS=" << part.tpdu_length << '\n' << part.hex << '\n';
             continue;
@@ -60,13 +62,17 @@ void print_submit_parts(const std::vector<sms_pdu_part>& parts, bool at_commands
     }
 }
 
-int run_submit_encode(const EncodeOptions& options) {
-    const ComposeRequest& gateway = options.request;
+int run_submit_encode(const EncodeOptions &options)
+{
+    const ComposeRequest &gateway = options.request;
     SubmitRequest request;
     request.to = gateway.to;
     request.smsc = gateway.smsc;
-    constexpr uint32_t kAll = (1U << SMS_PDU_LANG_TURKISH) | (1U << SMS_PDU_LANG_SPANISH) | (1U << SMS_PDU_LANG_PORTUGUESE);
-    request.languages = options.language == kAuto ? kAll : options.language == kNone ? 0U : 1U << (options.language - 1);
+    constexpr uint32_t kAll =
+        (1U << SMS_PDU_LANG_TURKISH) | (1U << SMS_PDU_LANG_SPANISH) | (1U << SMS_PDU_LANG_PORTUGUESE);
+    request.languages = options.language == kAuto   ? kAll
+                        : options.language == kNone ? 0U
+                                                    : 1U << (options.language - 1);
     request.max_parts = options.max_parts;
     if (gateway.reference_given) request.reference = static_cast<uint16_t>(gateway.reference);
     request.status_report = gateway.status_report;
@@ -80,7 +86,8 @@ int run_submit_encode(const EncodeOptions& options) {
 // The path through ComposeSms knows Turkish and Spanish only.  The
 // encoder chooses the alphabet itself, so forcing one with --coding means
 // the gateway's composer.
-void check_gateway_options(EncodeOptions& options, const CLI::Option& coding, const CLI::Option& max_parts) {
+void check_gateway_options(EncodeOptions &options, const CLI::Option &coding, const CLI::Option &max_parts)
+{
     if (coding.count() > 0) options.gateway = true;
     if (!options.gateway) return;
     if (options.language == kPortuguese) throw UsageError("--lang with --gateway must be none, turkish or spanish");
@@ -89,10 +96,11 @@ void check_gateway_options(EncodeOptions& options, const CLI::Option& coding, co
     options.text_options.language = options.language == kAuto ? 0 : options.language - 1;
 }
 
-void print_parts(const ComposeOutcome& outcome, Coding coding, bool at_commands) {
+void print_parts(const ComposeOutcome &outcome, Coding coding, bool at_commands)
+{
     const size_t total = outcome.parts.size();
     for (size_t i = 0; i < total; ++i) {
-        const ComposedPart& part = outcome.parts[i];
+        const ComposedPart &part = outcome.parts[i];
         if (at_commands) {
             std::cout << "AT+CMGS=" << part.tpdu_octets << '\n' << part.pdu << '\n';
             continue;
@@ -107,8 +115,9 @@ void print_parts(const ComposeOutcome& outcome, Coding coding, bool at_commands)
     }
 }
 
-int run_encode(const EncodeOptions& options) {
-    const TextOptions& text_options = options.text_options;
+int run_encode(const EncodeOptions &options)
+{
+    const TextOptions &text_options = options.text_options;
     Coding coding = resolve_coding(text_options, options.text);
     if (coding == Coding::Gsm7) {
         if (auto lost = first_character_without_gsm7_code(options.text, text_options.language)) {
@@ -132,10 +141,11 @@ int run_encode(const EncodeOptions& options) {
 
 }  // namespace
 
-void add_encode_command(CLI::App& app, int& exit_status) {
+void add_encode_command(CLI::App &app, int &exit_status)
+{
     auto options = std::make_shared<EncodeOptions>();
-    ComposeRequest& request = options->request;
-    CLI::App* cmd = app.add_subcommand("encode", "Compose the SUBMIT PDUs that send a text");
+    ComposeRequest &request = options->request;
+    CLI::App *cmd = app.add_subcommand("encode", "Compose the SUBMIT PDUs that send a text");
     cmd->add_option("--to", request.to, "Destination number: digits, * and #, + in front")->required();
     cmd->add_option("--smsc", request.smsc,
                     "Service-centre number put in front of each PDU (default: none, the modem's own; "
@@ -143,7 +153,7 @@ void add_encode_command(CLI::App& app, int& exit_status) {
     cmd->add_flag("--gateway", options->gateway,
                   "Compose through the gateway's message interface (ComposeSms), each part read back through "
                   "ParseSms");
-    auto* coding = cmd->add_option("--coding", options->text_options.coding,
+    auto *coding = cmd->add_option("--coding", options->text_options.coding,
                                    "Compose through ComposeSms (as --gateway) in this coding: auto (GSM 7-bit when "
                                    "every character fits, else UCS-2), gsm7, ucs2")
                        ->transform(one_of("--coding", {"auto", "gsm7", "ucs2"}))
@@ -153,20 +163,21 @@ void add_encode_command(CLI::App& app, int& exit_status) {
                     "portuguese; with --gateway none (the default), turkish or spanish")
         ->transform(one_of("--lang", {"auto", "none", "turkish", "spanish", "portuguese"}))
         ->default_str("auto");
-    auto* max_parts = cmd->add_option("--max-parts", options->max_parts, "Refuse a text that needs more parts, 1 to 255")
-                          ->each(whole_number_from("--max-parts", 1, SMS_PDU_MAX_PARTS))
-                          ->capture_default_str();
-    auto* validity = cmd->add_option("--validity", request.validity_seconds,
+    auto *max_parts =
+        cmd->add_option("--max-parts", options->max_parts, "Refuse a text that needs more parts, 1 to 255")
+            ->each(whole_number_from("--max-parts", 1, SMS_PDU_MAX_PARTS))
+            ->capture_default_str();
+    auto *validity = cmd->add_option("--validity", request.validity_seconds,
                                      "Relative validity period in seconds, 60 to 31103999 (under 360 days)")
                          ->each(whole_number_from("--validity", kMinValiditySeconds, kMaxValiditySeconds));
     cmd->add_flag("--status-report", request.status_report, "Ask the service centre for a status report");
-    auto* reference =
-        cmd->add_option("--ref", request.reference,
-                        "Concatenation reference (with --gateway also the message reference), 0 to 255 (default: 0 for one part, "
-                        "a fresh reference for each message of several parts)")
-            ->each(whole_number_from("--ref", 0, 255));
+    auto *reference = cmd->add_option("--ref", request.reference,
+                                      "Concatenation reference (with --gateway also the message reference), 0 to 255 "
+                                      "(default: 0 for one part, "
+                                      "a fresh reference for each message of several parts)")
+                          ->each(whole_number_from("--ref", 0, 255));
     cmd->add_flag("--at", options->at_commands, "Print AT+CMGS=<n> lines, each followed by its PDU");
-    auto* text = cmd->add_option("TEXT", options->text, "UTF-8 text; - or nothing reads standard input");
+    auto *text = cmd->add_option("TEXT", options->text, "UTF-8 text; - or nothing reads standard input");
     cmd->footer(
         "Examples:\n"
         "  smsutil encode --to +8613912345678 --smsc +8613912340000 'See you at 8'\n"

@@ -11,34 +11,46 @@
 namespace smsutil::cli {
 namespace {
 
-uint8_t content_code(uint8_t alphabet) {
+uint8_t content_code(uint8_t alphabet)
+{
     switch (alphabet) {
-    case WMS_ALPHABET_GSM7: return SMS_CONTENT_7BIT;
-    case WMS_ALPHABET_8BIT: return SMS_CONTENT_8BIT;
-    case WMS_ALPHABET_UCS2: return SMS_CONTENT_UCS2;
-    default: return SMS_CONTENT_OTHER;
+    case WMS_ALPHABET_GSM7:
+        return SMS_CONTENT_7BIT;
+    case WMS_ALPHABET_8BIT:
+        return SMS_CONTENT_8BIT;
+    case WMS_ALPHABET_UCS2:
+        return SMS_CONTENT_UCS2;
+    default:
+        return SMS_CONTENT_OTHER;
     }
 }
 
 // The alphabet of the TPDU, or the record's coding when no decoder applies.
-uint8_t announced_coding(const DecodedTpdu& tpdu, const SmsMessage& message) {
-    if (const auto* deliver = std::get_if<wms_gw_deliver>(&tpdu.record)) return content_code(deliver->dcs.alphabet);
-    if (const auto* submit = std::get_if<wms_gw_submit>(&tpdu.record)) return content_code(submit->dcs.alphabet);
+uint8_t announced_coding(const DecodedTpdu &tpdu, const SmsMessage &message)
+{
+    if (const auto *deliver = std::get_if<wms_gw_deliver>(&tpdu.record)) return content_code(deliver->dcs.alphabet);
+    if (const auto *submit = std::get_if<wms_gw_submit>(&tpdu.record)) return content_code(submit->dcs.alphabet);
     return static_cast<uint8_t>(message.sms_content_code);
 }
 
 }  // namespace
 
-const char* content_coding_name(uint32_t coding) {
+const char *content_coding_name(uint32_t coding)
+{
     switch (coding) {
-    case SMS_CONTENT_UCS2: return "ucs2";
-    case SMS_CONTENT_7BIT: return "gsm7";
-    case SMS_CONTENT_8BIT: return "8bit";
-    default: return "other";
+    case SMS_CONTENT_UCS2:
+        return "ucs2";
+    case SMS_CONTENT_7BIT:
+        return "gsm7";
+    case SMS_CONTENT_8BIT:
+        return "8bit";
+    default:
+        return "other";
     }
 }
 
-JoinPart read_decoder_part(std::string_view text) {
+JoinPart read_decoder_part(std::string_view text)
+{
     JoinPart out;
     if (auto stray = non_hex_character(text)) {
         out.error = *stray;
@@ -54,7 +66,8 @@ JoinPart read_decoder_part(std::string_view text) {
     return out;
 }
 
-JoinPart read_gateway_part(std::string_view text, uint32_t state) {
+JoinPart read_gateway_part(std::string_view text, uint32_t state)
+{
     JoinPart out;
     const PduText pdu = split_pdu_text(text);
     const DecodedTpdu tpdu = pdu.error.empty() ? decode_tpdu(pdu.tpdu, state) : DecodedTpdu{};

@@ -26,6 +26,6 @@ JoinPart read_decoder_part(std::string_view text);
 JoinPart read_gateway_part(std::string_view text, uint32_t state);
 
 // "ucs2", "gsm7", "8bit" or "other" for an SMS_CONTENT_* value.
-const char* content_coding_name(uint32_t coding);
+const char *content_coding_name(uint32_t coding);
 
 }  // namespace smsutil::cli

@@ -6,7 +6,8 @@
 namespace smsutil::cli {
 namespace {
 
-int nibble_of(char c) {
+int nibble_of(char c)
+{
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
@@ -15,7 +16,8 @@ int nibble_of(char c) {
 
 }  // namespace
 
-std::optional<std::vector<uint8_t>> hex_to_octets(std::string_view text) {
+std::optional<std::vector<uint8_t>> hex_to_octets(std::string_view text)
+{
     if (text.size() % 2 != 0) return std::nullopt;
     std::vector<uint8_t> octets;
     octets.reserve(text.size() / 2);
@@ -28,7 +30,8 @@ std::optional<std::vector<uint8_t>> hex_to_octets(std::string_view text) {
     return octets;
 }
 
-std::optional<std::string> non_hex_character(std::string_view text) {
+std::optional<std::string> non_hex_character(std::string_view text)
+{
     // Every character before the first stray one is a digit, one byte
     // each: the byte's place is the column.
     for (size_t pos = 0; pos < text.size(); ++pos) {
@@ -39,7 +42,8 @@ std::optional<std::string> non_hex_character(std::string_view text) {
     return std::nullopt;
 }
 
-std::string octets_to_hex(std::span<const uint8_t> octets) {
+std::string octets_to_hex(std::span<const uint8_t> octets)
+{
     static constexpr char kDigits[] = "0123456789abcdef";
     std::string text;
     text.reserve(octets.size() * 2);
@@ -50,7 +54,8 @@ std::string octets_to_hex(std::span<const uint8_t> octets) {
     return text;
 }
 
-std::string_view trim(std::string_view text) {
+std::string_view trim(std::string_view text)
+{
     constexpr std::string_view kBlanks = " \t\r\n";
     const size_t first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) return {};

@@ -29,18 +29,21 @@ struct JoinOptions {
     std::vector<std::string> pdus;
 };
 
-void print_handed_over(void*, const sms_reasm_message* message, int reason) {
+void print_handed_over(void *, const sms_reasm_message *message, int reason)
+{
     std::cout << to_line(joined_json(*message, false, reason)) << '\n';
 }
 
-uint64_t wall_clock() {
+uint64_t wall_clock()
+{
     return static_cast<uint64_t>(
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count());
 }
 
 class Joiner {
 public:
-    explicit Joiner(uint32_t timeout) {
+    explicit Joiner(uint32_t timeout)
+    {
         sms_reasm_config config = kBounds;
         config.timeout_seconds = timeout;
         config.handover = print_handed_over;
@@ -48,10 +51,11 @@ public:
         sms_reasm_init(&store_, storage_.data(), storage_.size() * sizeof(uint64_t), &config);
         text_.resize(kBounds.max_text_bytes + 1);
     }
-    sms_reasm_store* store() { return store_; }
+    sms_reasm_store *store() { return store_; }
 
     // One PDU line; false when it could not be parsed.
-    bool add(const PduInput& input, const JoinOptions& options, uint64_t now) {
+    bool add(const PduInput &input, const JoinOptions &options, uint64_t now)
+    {
         const std::string_view text = input.pdu;
         JoinPart part;
         if (!input.error.empty()) {
@@ -72,7 +76,7 @@ public:
             std::cout << to_line(joined_json(*joined, true, SMS_REASM_PENDING)) << '\n';
             return true;
         case SMS_REASM_STORED:
-        case SMS_REASM_FULL: // the evicted message has been printed
+        case SMS_REASM_FULL:  // the evicted message has been printed
         case SMS_REASM_DUPLICATE:
             return true;
         default:
@@ -89,10 +93,11 @@ public:
 private:
     std::vector<uint64_t> storage_;
     std::vector<char> text_;
-    sms_reasm_store* store_ = nullptr;
+    sms_reasm_store *store_ = nullptr;
 };
 
-void run_join(const JoinOptions& options, int& exit_status) {
+void run_join(const JoinOptions &options, int &exit_status)
+{
     const uint64_t now = wall_clock();
     Joiner joiner(options.timeout);
     if (!options.state_file.empty()) {
@@ -106,7 +111,7 @@ void run_join(const JoinOptions& options, int& exit_status) {
     }
     bool all_ok = true;
     if (!options.pdus.empty()) {
-        for (const auto& pdu : options.pdus) all_ok = joiner.add(pdu_argument(pdu), options, now) && all_ok;
+        for (const auto &pdu : options.pdus) all_ok = joiner.add(pdu_argument(pdu), options, now) && all_ok;
     } else {
         ModemReader reader(std::cin);
         while (auto input = reader.next()) all_ok = joiner.add(*input, options, now) && all_ok;
@@ -126,9 +131,11 @@ void run_join(const JoinOptions& options, int& exit_status) {
 
 }  // namespace
 
-void add_join_command(CLI::App& app, int& exit_status) {
+void add_join_command(CLI::App &app, int &exit_status)
+{
     auto options = std::make_shared<JoinOptions>();
-    CLI::App* cmd = app.add_subcommand("join", "Put the parts of long messages back together, one JSON object per message");
+    CLI::App *cmd =
+        app.add_subcommand("join", "Put the parts of long messages back together, one JSON object per message");
     cmd->add_option("--storage-state", options->storage_state,
                     "With --gateway: storage state of the PDUs, as decode's --state: 0/1 received, 2/3 stored "
                     "outgoing (SUBMIT); a +CMGL or +CMGR header's status takes its place")

@@ -14,16 +14,22 @@
 namespace smsutil::cli {
 namespace {
 
-std::string load_error(int result) {
+std::string load_error(int result)
+{
     switch (result) {
-    case SMS_REASM_ERR_STATE_DAMAGED: return "damaged or truncated";
-    case SMS_REASM_ERR_STATE_VERSION: return "written by a version of smsutil that this one cannot read";
-    case SMS_REASM_ERR_STATE_FIT: return "holds more pending messages or parts than smsutil join keeps";
-    default: return "refused (" + std::to_string(result) + ")";
+    case SMS_REASM_ERR_STATE_DAMAGED:
+        return "damaged or truncated";
+    case SMS_REASM_ERR_STATE_VERSION:
+        return "written by a version of smsutil that this one cannot read";
+    case SMS_REASM_ERR_STATE_FIT:
+        return "holds more pending messages or parts than smsutil join keeps";
+    default:
+        return "refused (" + std::to_string(result) + ")";
     }
 }
 
-bool write_all(int fd, const uint8_t* data, size_t size) {
+bool write_all(int fd, const uint8_t *data, size_t size)
+{
     while (size > 0) {
         const ssize_t n = ::write(fd, data, size);
         if (n < 0 && errno == EINTR) continue;
@@ -36,7 +42,8 @@ bool write_all(int fd, const uint8_t* data, size_t size) {
 
 }  // namespace
 
-std::string load_state_file(sms_reasm_store* store, const std::string& path, uint64_t now) {
+std::string load_state_file(sms_reasm_store *store, const std::string &path, uint64_t now)
+{
     std::ifstream in(path, std::ios::binary);
     if (!in) return errno == ENOENT ? "" : path + ": " + std::strerror(errno);
     const std::vector<uint8_t> image{std::istreambuf_iterator<char>(in), {}};
@@ -48,7 +55,8 @@ std::string load_state_file(sms_reasm_store* store, const std::string& path, uin
     return result == 0 ? "" : path + ": " + load_error(result);
 }
 
-std::string save_state_file(const sms_reasm_store* store, const std::string& path, uint64_t now) {
+std::string save_state_file(const sms_reasm_store *store, const std::string &path, uint64_t now)
+{
     std::vector<uint8_t> image(sms_reasm_state_size(store));
     size_t written = 0;
     if (sms_reasm_save_state(store, now, image.data(), image.size(), &written) != 0) {

@@ -8,6 +8,6 @@
 namespace smsutil::cli {
 
 // reason: SMS_REASM_PENDING, _EXPIRED or _EVICTED for an incomplete message.
-Json joined_json(const sms_reasm_message& message, bool complete, int reason);
+Json joined_json(const sms_reasm_message &message, bool complete, int reason);
 
 }  // namespace smsutil::cli

@@ -11,7 +11,8 @@ namespace smsutil::cli {
 namespace {
 
 // Year to second as numbers; nullopt when any of them is not BCD.
-std::optional<std::array<unsigned, 6>> bcd_fields(const wms_timestamp& time) {
+std::optional<std::array<unsigned, 6>> bcd_fields(const wms_timestamp &time)
+{
     const std::array<uint8_t, 6> octets{time.year, time.month, time.day, time.hour, time.minute, time.second};
     std::array<unsigned, 6> values{};
     for (size_t i = 0; i < octets.size(); ++i) {
@@ -22,46 +23,48 @@ std::optional<std::array<unsigned, 6>> bcd_fields(const wms_timestamp& time) {
     return values;
 }
 
-std::string text_of(const char* field, size_t capacity) {
-    return std::string(field, strnlen(field, capacity));
-}
+std::string text_of(const char *field, size_t capacity) { return std::string(field, strnlen(field, capacity)); }
 
-const char* message_type(const SmsMessage& message) {
+const char *message_type(const SmsMessage &message)
+{
     if (message.state == 2 || message.state == 3) return "submit";
     return message.byStatusReport != 0 ? "status-report" : "deliver";
 }
 
 }  // namespace
 
-std::string to_line(const Json& value) {
+std::string to_line(const Json &value)
+{
     return value.dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace);
 }
 
-int print_error(const std::string& message) {
+int print_error(const std::string &message)
+{
     Json out;
     out["error"] = message;
     std::cout << to_line(out) << '\n';
     return 1;
 }
 
-int print_input_error(const std::string& message, int status) {
+int print_input_error(const std::string &message, int status)
+{
     std::string line = message;
-    for (char& c : line) {
+    for (char &c : line) {
         if (c == '\n' || c == '\r') c = ' ';
     }
     std::cerr << "smsutil: " << line << '\n';
     return status;
 }
 
-std::string iso8601_local(unsigned year, unsigned month, unsigned day, unsigned hour, unsigned minute,
-                          unsigned second) {
+std::string iso8601_local(unsigned year, unsigned month, unsigned day, unsigned hour, unsigned minute, unsigned second)
+{
     std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%04u-%02u-%02uT%02u:%02u:%02u", year, month, day, hour, minute,
-                  second);
+    std::snprintf(text.data(), text.size(), "%04u-%02u-%02uT%02u:%02u:%02u", year, month, day, hour, minute, second);
     return text.data();
 }
 
-std::optional<std::string> iso8601_without_zone(const wms_timestamp& time) {
+std::optional<std::string> iso8601_without_zone(const wms_timestamp &time)
+{
     const auto fields = bcd_fields(time);
     if (!fields) return std::nullopt;
     const auto [year, month, day, hour, minute, second] = *fields;
@@ -70,13 +73,15 @@ std::optional<std::string> iso8601_without_zone(const wms_timestamp& time) {
     return iso8601_local(full_year, month, day, hour, minute, second);
 }
 
-std::optional<std::string> iso8601_timestamp(const wms_timestamp& time) {
+std::optional<std::string> iso8601_timestamp(const wms_timestamp &time)
+{
     auto text = iso8601_without_zone(time);
     if (!text) return std::nullopt;
     return *text + utc_offset(time.timezone);
 }
 
-std::string utc_offset(int quarters) {
+std::string utc_offset(int quarters)
+{
     const unsigned offset_minutes = static_cast<unsigned>(quarters < 0 ? -quarters : quarters) * 15;
     std::array<char, 16> zone{};
     std::snprintf(zone.data(), zone.size(), "%c%02u:%02u", quarters < 0 ? '-' : '+', offset_minutes / 60,
@@ -84,7 +89,8 @@ std::string utc_offset(int quarters) {
     return zone.data();
 }
 
-std::optional<std::string> iso8601_duration(const wms_timestamp& duration) {
+std::optional<std::string> iso8601_duration(const wms_timestamp &duration)
+{
     const auto fields = bcd_fields(duration);
     if (!fields) return std::nullopt;
     // Durations leave the seconds at zero.
@@ -103,28 +109,42 @@ std::optional<std::string> iso8601_duration(const wms_timestamp& duration) {
     return period;
 }
 
-const char* delivery_state_name(uint32_t state) {
+const char *delivery_state_name(uint32_t state)
+{
     switch (state) {
-    case SMS_STATUS_DELIVERED: return "delivered";
-    case SMS_STATUS_COMPLETED: return "completed";
-    case SMS_STATUS_REPLACED: return "replaced";
-    case SMS_STATUS_PENDING: return "pending";
-    case SMS_STATUS_FAILED: return "failed";
-    case SMS_STATUS_STOPPED: return "stopped";
-    default: return "unknown";
+    case SMS_STATUS_DELIVERED:
+        return "delivered";
+    case SMS_STATUS_COMPLETED:
+        return "completed";
+    case SMS_STATUS_REPLACED:
+        return "replaced";
+    case SMS_STATUS_PENDING:
+        return "pending";
+    case SMS_STATUS_FAILED:
+        return "failed";
+    case SMS_STATUS_STOPPED:
+        return "stopped";
+    default:
+        return "unknown";
     }
 }
 
-const char* alphabet_name(uint8_t alphabet) {
+const char *alphabet_name(uint8_t alphabet)
+{
     switch (alphabet) {
-    case WMS_ALPHABET_GSM7: return "gsm7";
-    case WMS_ALPHABET_8BIT: return "8bit";
-    case WMS_ALPHABET_UCS2: return "ucs2";
-    default: return "other";
+    case WMS_ALPHABET_GSM7:
+        return "gsm7";
+    case WMS_ALPHABET_8BIT:
+        return "8bit";
+    case WMS_ALPHABET_UCS2:
+        return "ucs2";
+    default:
+        return "other";
     }
 }
 
-Json message_json(const SmsMessage& message, const Json& coding) {
+Json message_json(const SmsMessage &message, const Json &coding)
+{
     Json out;
     out["type"] = message_type(message);
     out["sca"] = text_of(message.sca, sizeof message.sca);
@@ -141,15 +161,12 @@ Json message_json(const SmsMessage& message, const Json& coding) {
                                          message.byMinute, message.bySecond);
     }
     if (message.sms_flag_type == 1) {
-        out["concatenation"] = {{"reference", message.mr},
-                                {"total", message.btTotalPack},
-                                {"part", message.btPack}};
+        out["concatenation"] = {{"reference", message.mr}, {"total", message.btTotalPack}, {"part", message.btPack}};
     } else {
         out["concatenation"] = nullptr;
     }
     if (message.byStatusReport != 0) {
-        out["status"] = {{"state", message.dwReportStatus},
-                         {"name", delivery_state_name(message.dwReportStatus)}};
+        out["status"] = {{"state", message.dwReportStatus}, {"name", delivery_state_name(message.dwReportStatus)}};
     } else {
         out["status"] = nullptr;
     }

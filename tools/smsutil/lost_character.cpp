@@ -7,7 +7,8 @@
 
 namespace smsutil::cli {
 
-std::optional<LostCharacter> first_lost_character(std::string_view meant, std::string_view got) {
+std::optional<LostCharacter> first_lost_character(std::string_view meant, std::string_view got)
+{
     size_t position = 1;
     size_t at_got = 0;
     for (size_t at_meant = 0; at_meant < meant.size(); ++position) {
@@ -23,14 +24,16 @@ std::optional<LostCharacter> first_lost_character(std::string_view meant, std::s
     return std::nullopt;
 }
 
-std::string quoted_character(uint32_t code_point) {
+std::string quoted_character(uint32_t code_point)
+{
     std::array<char, 16> code{};
     std::snprintf(code.data(), code.size(), "U+%04X", static_cast<unsigned>(code_point));
     if (code_point < 0x20 || code_point == 0x7F) return code.data();
     return "'" + utf8_of(code_point) + "' (" + code.data() + ")";
 }
 
-std::string describe(const LostCharacter& lost) {
+std::string describe(const LostCharacter &lost)
+{
     return "character " + std::to_string(lost.position) + ", " + quoted_character(lost.code_point);
 }
 

@@ -23,6 +23,6 @@ std::optional<LostCharacter> first_lost_character(std::string_view meant, std::s
 std::string quoted_character(uint32_t code_point);
 
 // "character 5, 'ı' (U+0131)".
-std::string describe(const LostCharacter& lost);
+std::string describe(const LostCharacter &lost);
 
 }  // namespace smsutil::cli

@@ -4,4 +4,4 @@
 
 #include "run.hpp"
 
-int main(int argc, char** argv) { return smsutil::cli::run(argc, argv, std::cin, std::cout, std::cerr); }
+int main(int argc, char **argv) { return smsutil::cli::run(argc, argv, std::cin, std::cout, std::cerr); }

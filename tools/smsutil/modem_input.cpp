@@ -14,7 +14,7 @@ struct HeaderForm {
     std::string_view command;
     bool has_index;
     bool has_stat;
-    const char* layout;  // for the message when a header does not read
+    const char *layout;  // for the message when a header does not read
 };
 
 // PDU-mode result lines that announce a PDU on the next line.  The modem
@@ -28,7 +28,8 @@ constexpr std::array<HeaderForm, 4> kHeaderForms{{
 
 constexpr uint32_t kMaxStat = 3;
 
-bool starts_with_ignoring_case(std::string_view text, std::string_view prefix) {
+bool starts_with_ignoring_case(std::string_view text, std::string_view prefix)
+{
     if (text.size() < prefix.size()) return false;
     for (size_t i = 0; i < prefix.size(); ++i) {
         const char c = text[i] >= 'a' && text[i] <= 'z' ? static_cast<char>(text[i] - 'a' + 'A') : text[i];
@@ -37,7 +38,8 @@ bool starts_with_ignoring_case(std::string_view text, std::string_view prefix) {
     return true;
 }
 
-std::optional<uint32_t> number_of(std::string_view text) {
+std::optional<uint32_t> number_of(std::string_view text)
+{
     text = trim(text);
     if (text.empty() || text.size() > 9) return std::nullopt;
     uint32_t value = 0;
@@ -50,7 +52,8 @@ std::optional<uint32_t> number_of(std::string_view text) {
 
 // Comma-separated fields; a quoted field may hold commas.  nullopt for a
 // quote that is never closed.
-std::optional<std::vector<std::string_view>> fields_of(std::string_view text) {
+std::optional<std::vector<std::string_view>> fields_of(std::string_view text)
+{
     std::vector<std::string_view> fields;
     size_t start = 0;
     bool quoted = false;
@@ -66,8 +69,9 @@ std::optional<std::vector<std::string_view>> fields_of(std::string_view text) {
     return fields;
 }
 
-const HeaderForm* header_form(std::string_view text) {
-    for (const auto& form : kHeaderForms) {
+const HeaderForm *header_form(std::string_view text)
+{
+    for (const auto &form : kHeaderForms) {
         if (text.size() > form.command.size() && text.substr(0, form.command.size()) == form.command &&
             text[form.command.size()] == ':') {
             return &form;
@@ -77,7 +81,8 @@ const HeaderForm* header_form(std::string_view text) {
 }
 
 // The header, or the reason it is not one in error.
-PduInput read_header(const HeaderForm& form, std::string_view text, std::optional<uint32_t> read_index) {
+PduInput read_header(const HeaderForm &form, std::string_view text, std::optional<uint32_t> read_index)
+{
     PduInput out;
     ModemHeader header;
     header.command = std::string(form.command);
@@ -118,7 +123,8 @@ PduInput read_header(const HeaderForm& form, std::string_view text, std::optiona
 }
 
 // The echo of AT+CMGR=<index> names the index its answer leaves out.
-std::optional<uint32_t> read_command_index(std::string_view echo) {
+std::optional<uint32_t> read_command_index(std::string_view echo)
+{
     constexpr std::string_view kRead = "AT+CMGR=";
     if (!starts_with_ignoring_case(echo, kRead)) return std::nullopt;
     return number_of(echo.substr(kRead.size()));
@@ -126,7 +132,8 @@ std::optional<uint32_t> read_command_index(std::string_view echo) {
 
 }  // namespace
 
-std::optional<LineReader::Line> LineReader::next() {
+std::optional<LineReader::Line> LineReader::next()
+{
     Line line;
     bool any = false;
     for (int c = in_.get(); c != std::char_traits<char>::eof(); c = in_.get()) {
@@ -146,7 +153,8 @@ std::optional<LineReader::Line> LineReader::next() {
     return line;
 }
 
-std::optional<PduInput> ModemReader::next() {
+std::optional<PduInput> ModemReader::next()
+{
     while (ready_.empty()) {
         auto line = lines_.next();
         if (!line) {
@@ -161,10 +169,11 @@ std::optional<PduInput> ModemReader::next() {
     return input;
 }
 
-void ModemReader::take(std::string_view text, size_t number) {
+void ModemReader::take(std::string_view text, size_t number)
+{
     if (text.empty() || text.front() == '#') return;
     const bool echo = starts_with_ignoring_case(text, "AT");
-    const HeaderForm* form = echo ? nullptr : header_form(text);
+    const HeaderForm *form = echo ? nullptr : header_form(text);
     if (!echo && !form && text != "OK") {
         PduInput pdu = pending_ ? std::move(*pending_) : PduInput{};
         pending_.reset();
@@ -188,32 +197,37 @@ void ModemReader::take(std::string_view text, size_t number) {
     }
 }
 
-void ModemReader::flush_pending() {
+void ModemReader::flush_pending()
+{
     if (!pending_) return;
     pending_->error = pending_->header->command + " header without a PDU line after it";
     ready_.push_back(std::move(*pending_));
     pending_.reset();
 }
 
-PduInput pdu_argument(std::string_view text) {
+PduInput pdu_argument(std::string_view text)
+{
     PduInput input;
     input.pdu = std::string(trim(text));
     return input;
 }
 
-uint32_t storage_state(const PduInput& input, uint32_t given) {
+uint32_t storage_state(const PduInput &input, uint32_t given)
+{
     if (!input.header) return given;
     if (input.header->stat) return *input.header->stat;
     return 0;
 }
 
-const char* stat_name(uint32_t stat) {
-    static constexpr std::array<const char*, 4> kNames{"received unread", "received read", "stored unsent",
-                                                       "stored sent"};
+const char *stat_name(uint32_t stat)
+{
+    static constexpr std::array<const char *, 4> kNames{"received unread", "received read", "stored unsent",
+                                                        "stored sent"};
     return stat < kNames.size() ? kNames[stat] : "unknown";
 }
 
-std::string header_length_problem(const PduInput& input, size_t tpdu_octets) {
+std::string header_length_problem(const PduInput &input, size_t tpdu_octets)
+{
     if (!input.header || input.header->length == tpdu_octets) return {};
     return input.header->command + " gives a length of " + std::to_string(input.header->length) +
            " TPDU octets, the PDU holds " + std::to_string(tpdu_octets);

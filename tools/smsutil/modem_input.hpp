@@ -30,11 +30,11 @@ public:
         size_t number = 0;  // 1-based
     };
 
-    LineReader(std::istream& in, size_t max_characters) : in_(in), max_(max_characters) {}
+    LineReader(std::istream &in, size_t max_characters) : in_(in), max_(max_characters) {}
     std::optional<Line> next();
 
 private:
-    std::istream& in_;
+    std::istream &in_;
     size_t max_;
     size_t number_ = 0;
 };
@@ -57,7 +57,7 @@ struct PduInput {
 
 class ModemReader {
 public:
-    explicit ModemReader(std::istream& in) : lines_(in, kMaxPduLineCharacters) {}
+    explicit ModemReader(std::istream &in) : lines_(in, kMaxPduLineCharacters) {}
 
     // The next PDU or faulty header; nullopt at the end of the input.
     std::optional<PduInput> next();
@@ -77,13 +77,13 @@ PduInput pdu_argument(std::string_view text);
 
 // The storage state ParseSms takes: the header's status, "received unread"
 // for an unsolicited result, else the one the user gave.
-uint32_t storage_state(const PduInput& input, uint32_t given);
+uint32_t storage_state(const PduInput &input, uint32_t given);
 
 // "received unread", "received read", "stored unsent", "stored sent".
-const char* stat_name(uint32_t stat);
+const char *stat_name(uint32_t stat);
 
 // Empty when the header's <length> matches the PDU's TPDU octets (or
 // there is no header), else what differs.
-std::string header_length_problem(const PduInput& input, size_t tpdu_octets);
+std::string header_length_problem(const PduInput &input, size_t tpdu_octets);
 
 }  // namespace smsutil::cli

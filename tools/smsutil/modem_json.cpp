@@ -2,10 +2,11 @@
 
 namespace smsutil::cli {
 
-Json with_header(const PduInput& input, const PduText& pdu, Json fields, bool failed) {
+Json with_header(const PduInput &input, const PduText &pdu, Json fields, bool failed)
+{
     Json out = Json::object();
     if (input.header) {
-        const ModemHeader& header = *input.header;
+        const ModemHeader &header = *input.header;
         if (header.index) out["index"] = *header.index;
         if (header.stat) out["stat"] = {{"code", *header.stat}, {"name", stat_name(*header.stat)}};
         if (!header.alpha.empty()) out["alpha"] = header.alpha;
@@ -22,7 +23,8 @@ Json with_header(const PduInput& input, const PduText& pdu, Json fields, bool fa
     return out;
 }
 
-std::string shown_pdu(std::string_view text) {
+std::string shown_pdu(std::string_view text)
+{
     constexpr size_t kShown = 40;
     if (text.size() <= kMaxPduLineCharacters) return std::string(text);
     return std::string(text.substr(0, kShown)) + "...";

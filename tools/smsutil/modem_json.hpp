@@ -12,7 +12,7 @@ namespace smsutil::cli {
 // when the modem matched a name, and a line added to "problems" when the
 // header's length does not match the PDU.  A PDU that failed also gets
 // the line it came from.
-Json with_header(const PduInput& input, const PduText& pdu, Json fields, bool failed);
+Json with_header(const PduInput &input, const PduText &pdu, Json fields, bool failed);
 
 // The PDU text for an error line: a line too long to be a PDU is shown
 // by its start only.

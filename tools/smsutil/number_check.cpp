@@ -4,7 +4,8 @@
 
 namespace smsutil::cli {
 
-std::string dial_number_problem(const std::string& number) {
+std::string dial_number_problem(const std::string &number)
+{
     constexpr size_t kMaxCharacters = SMS_NUMBER_SIZE - 1;
     if (number.empty()) return "is empty";
     if (number.size() > kMaxCharacters) return "is longer than " + std::to_string(kMaxCharacters) + " characters";

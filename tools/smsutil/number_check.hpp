@@ -7,6 +7,6 @@ namespace smsutil::cli {
 
 // The empty string when the number can be sent (1 to 20 characters: digits,
 // * and #, + only in front), else what is wrong with it.
-std::string dial_number_problem(const std::string& number);
+std::string dial_number_problem(const std::string &number);
 
 }  // namespace smsutil::cli

@@ -4,8 +4,9 @@
 
 namespace smsutil::cli {
 
-OptionCheck whole_number_from(std::string option, uint32_t min, uint32_t max) {
-    return [option = std::move(option), min, max](const std::string& value) {
+OptionCheck whole_number_from(std::string option, uint32_t min, uint32_t max)
+{
+    return [option = std::move(option), min, max](const std::string &value) {
         // Digits only: no sign, no blanks, nothing the parser would round.
         bool valid = !value.empty() && value.size() <= 10;
         uint64_t number = 0;
@@ -20,8 +21,9 @@ OptionCheck whole_number_from(std::string option, uint32_t min, uint32_t max) {
     };
 }
 
-std::function<std::string(std::string)> one_of(std::string option, std::vector<std::string> names) {
-    return [option = std::move(option), names = std::move(names)](const std::string& value) {
+std::function<std::string(std::string)> one_of(std::string option, std::vector<std::string> names)
+{
+    return [option = std::move(option), names = std::move(names)](const std::string &value) {
         for (size_t i = 0; i < names.size(); ++i) {
             if (value == names[i]) return std::to_string(i);
         }

@@ -10,7 +10,7 @@
 
 namespace smsutil::cli {
 
-using OptionCheck = std::function<void(const std::string&)>;
+using OptionCheck = std::function<void(const std::string &)>;
 
 // For CLI::Option::each.
 OptionCheck whole_number_from(std::string option, uint32_t min, uint32_t max);

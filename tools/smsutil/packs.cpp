@@ -18,7 +18,8 @@ constexpr size_t kSingleGsm7Codes = 160;
 constexpr size_t kGsm7CodesPerPart = 153;
 constexpr uint8_t kEscape = 0x1B;
 
-Packs too_many_packs(size_t needed, const char* unit) {
+Packs too_many_packs(size_t needed, const char *unit)
+{
     Packs out;
     out.over_limit = true;
     out.error = "the text needs " + std::to_string(needed) + " parts of up to " + unit + ", more than the limit of " +
@@ -28,7 +29,8 @@ Packs too_many_packs(size_t needed, const char* unit) {
 
 // Parts the text takes when cut as the library cuts it; 0 when it cannot
 // be counted (a character without a 7-bit code).
-size_t parts_needed(const std::string& text, Coding coding, uint32_t language) {
+size_t parts_needed(const std::string &text, Coding coding, uint32_t language)
+{
     if (coding == Coding::Ucs2) {
         const size_t characters = utf8_character_count(text);
         return characters <= kSingleUcs2Units ? 1 : (characters + kUcs2UnitsPerPart - 1) / kUcs2UnitsPerPart;
@@ -40,8 +42,9 @@ size_t parts_needed(const std::string& text, Coding coding, uint32_t language) {
     for (size_t at = 0; at < codes->size(); ++parts) {
         const size_t left = codes->size() - at;
         // An escape pair stays in one part.
-        at += left < kGsm7CodesPerPart ? left : (*codes)[at + kGsm7CodesPerPart - 1] == kEscape ? kGsm7CodesPerPart - 1
-                                                                                                 : kGsm7CodesPerPart;
+        at += left < kGsm7CodesPerPart                          ? left
+              : (*codes)[at + kGsm7CodesPerPart - 1] == kEscape ? kGsm7CodesPerPart - 1
+                                                                : kGsm7CodesPerPart;
     }
     return parts;
 }
@@ -51,7 +54,8 @@ size_t parts_needed(const std::string& text, Coding coding, uint32_t language) {
 // and the other half at the start of the next, and neither phone could show
 // it.  So texts with such characters are cut here, each part taking as
 // many whole characters as fit in 67 units.
-Packs split_keeping_pairs(const std::string& text) {
+Packs split_keeping_pairs(const std::string &text)
+{
     Packs out;
     if (ucs2_unit_count(text) <= kSingleUcs2Units) {
         out.texts.push_back(text);
@@ -78,13 +82,14 @@ Packs split_keeping_pairs(const std::string& text) {
 
 }  // namespace
 
-Packs split_packs(const std::string& text, Coding coding, uint32_t language) {
+Packs split_packs(const std::string &text, Coding coding, uint32_t language)
+{
     if (coding == Coding::Ucs2 && has_supplementary_character(text)) return split_keeping_pairs(text);
     Packs out;
     std::array<SmsPack, kMaxPacks> packs{};
     const int32_t pack_coding = coding == Coding::Gsm7 ? SMS_CONTENT_7BIT : SMS_CONTENT_UCS2;
-    const int32_t count = sms_util_split_pack(text.c_str(), static_cast<int32_t>(text.size()), pack_coding,
-                                              language, packs.data());
+    const int32_t count =
+        sms_util_split_pack(text.c_str(), static_cast<int32_t>(text.size()), pack_coding, language, packs.data());
     if (count < 1 || static_cast<size_t>(count) > kMaxPacks) {
         if (const size_t needed = parts_needed(text, coding, language); needed > kMaxPacks) {
             return too_many_packs(needed, coding == Coding::Gsm7 ? "153 GSM 7-bit codes" : "67 UCS-2 characters");
@@ -94,7 +99,7 @@ Packs split_packs(const std::string& text, Coding coding, uint32_t language) {
     }
     std::string joined;
     for (int32_t i = 0; i < count; ++i) {
-        const SmsPack& pack = packs[static_cast<size_t>(i)];
+        const SmsPack &pack = packs[static_cast<size_t>(i)];
         const size_t length = std::min<size_t>(pack.length, strnlen(pack.content, sizeof pack.content));
         out.texts.emplace_back(pack.content, length);
         joined += out.texts.back();

@@ -18,6 +18,6 @@ struct Packs {
 // coding is Gsm7 or Ucs2, already resolved.  The packs must add up to the
 // text: a 7-bit text whose codes do not convert back loses characters on
 // the way, and sending those packs would send a different text.
-Packs split_packs(const std::string& text, Coding coding, uint32_t language);
+Packs split_packs(const std::string &text, Coding coding, uint32_t language);
 
 }  // namespace smsutil::cli

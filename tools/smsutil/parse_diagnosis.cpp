@@ -7,20 +7,27 @@ namespace {
 
 constexpr unsigned kMaxServiceCentreOctets = 9;
 
-std::string transport_status_text(wms_status_e_type status) {
+std::string transport_status_text(wms_status_e_type status)
+{
     switch (status) {
-    case WMS_TS_STATUS_BAD_ADDRESS: return "address longer than 20 digits";
-    case WMS_TS_STATUS_BAD_USER_DATA_LENGTH: return "user data longer than 140 octets";
-    case WMS_TS_STATUS_BAD_TIME: return "bad time stamp or validity period";
-    case WMS_TS_STATUS_BAD_VALIDITY_FORMAT: return "bad validity format";
-    default: return "status " + std::to_string(status);
+    case WMS_TS_STATUS_BAD_ADDRESS:
+        return "address longer than 20 digits";
+    case WMS_TS_STATUS_BAD_USER_DATA_LENGTH:
+        return "user data longer than 140 octets";
+    case WMS_TS_STATUS_BAD_TIME:
+        return "bad time stamp or validity period";
+    case WMS_TS_STATUS_BAD_VALIDITY_FORMAT:
+        return "bad validity format";
+    default:
+        return "status " + std::to_string(status);
     }
 }
 
 // The time stamp check of the extraction step: BCD fields, years up to 95.
-std::optional<std::string> time_stamp_problem(const wms_timestamp& time) {
+std::optional<std::string> time_stamp_problem(const wms_timestamp &time)
+{
     const uint8_t fields[] = {time.day, time.hour, time.minute, time.month, time.second, time.year};
-    static constexpr const char* kNames[] = {"day", "hour", "minute", "month", "second", "year"};
+    static constexpr const char *kNames[] = {"day", "hour", "minute", "month", "second", "year"};
     for (size_t i = 0; i < std::size(fields); ++i) {
         uint8_t value = 0;
         if (wms_ts_bcd_to_int(fields[i], &value) == 0) return std::string("time stamp ") + kNames[i] + " is not BCD";
@@ -31,13 +38,14 @@ std::optional<std::string> time_stamp_problem(const wms_timestamp& time) {
     return std::nullopt;
 }
 
-std::optional<std::string> decoded_problem(const DecodedTpdu& tpdu) {
+std::optional<std::string> decoded_problem(const DecodedTpdu &tpdu)
+{
     if (tpdu.status != WMS_TS_STATUS_OK) {
         return "TPDU does not decode: " + transport_status_text(tpdu.status) + " (transport status " +
                std::to_string(tpdu.status) + ")";
     }
-    if (const auto* deliver = std::get_if<wms_gw_deliver>(&tpdu.record)) return time_stamp_problem(deliver->timestamp);
-    if (const auto* report = std::get_if<wms_gw_status_report>(&tpdu.record)) {
+    if (const auto *deliver = std::get_if<wms_gw_deliver>(&tpdu.record)) return time_stamp_problem(deliver->timestamp);
+    if (const auto *report = std::get_if<wms_gw_status_report>(&tpdu.record)) {
         return time_stamp_problem(report->discharge_time);
     }
     return std::nullopt;
@@ -45,8 +53,8 @@ std::optional<std::string> decoded_problem(const DecodedTpdu& tpdu) {
 
 }  // namespace
 
-ParseFailure diagnose_parse_failure(const PduText& pdu, uint32_t state,
-                                    const DecodedTpdu& tpdu) {
+ParseFailure diagnose_parse_failure(const PduText &pdu, uint32_t state, const DecodedTpdu &tpdu)
+{
     if (!pdu.error.empty()) return {pdu.error, std::nullopt};
     const unsigned sca_octets = pdu.service_centre[0];
     if (sca_octets > kMaxServiceCentreOctets) {

@@ -18,6 +18,6 @@ struct ParseFailure {
     std::optional<uint32_t> error_code;  // SMS_ERR_* the library sets on this path
 };
 
-ParseFailure diagnose_parse_failure(const PduText& pdu, uint32_t state, const DecodedTpdu& tpdu);
+ParseFailure diagnose_parse_failure(const PduText &pdu, uint32_t state, const DecodedTpdu &tpdu);
 
 }  // namespace smsutil::cli

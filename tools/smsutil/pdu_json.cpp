@@ -8,43 +8,52 @@
 namespace smsutil::cli {
 namespace {
 
-const char* pdu_alphabet_name(uint8_t alphabet) {
+const char *pdu_alphabet_name(uint8_t alphabet)
+{
     switch (alphabet) {
-    case SMS_PDU_ALPHABET_GSM7: return "gsm7";
-    case SMS_PDU_ALPHABET_8BIT: return "8bit";
-    default: return "ucs2";
+    case SMS_PDU_ALPHABET_GSM7:
+        return "gsm7";
+    case SMS_PDU_ALPHABET_8BIT:
+        return "8bit";
+    default:
+        return "ucs2";
     }
 }
 
 // A language the library has tables for by name, any other by its identifier.
-Json language_json(bool present, uint8_t id) {
-    static constexpr std::array<const char*, 4> kNames{"none", "turkish", "spanish", "portuguese"};
+Json language_json(bool present, uint8_t id)
+{
+    static constexpr std::array<const char *, 4> kNames{"none", "turkish", "spanish", "portuguese"};
     if (!present) return nullptr;
     if (id < kNames.size()) return kNames[id];
     return id;
 }
 
-const char* status_category_name(int category) {
-    static constexpr std::array<const char*, 5> kNames{"completed", "trying", "permanent error", "gave up",
-                                                       "reserved"};
+const char *status_category_name(int category)
+{
+    static constexpr std::array<const char *, 5> kNames{"completed", "trying", "permanent error", "gave up",
+                                                        "reserved"};
     return kNames[static_cast<size_t>(category) % kNames.size()];
 }
 
 // A status report carries TP-PID, TP-DCS and user data only when its
 // parameter indicator says so.
-bool has_pid(const sms_pdu_record& r) {
+bool has_pid(const sms_pdu_record &r)
+{
     if (r.kind == SMS_PDU_STATUS_REPORT) return r.has_parameter_indicator && (r.parameter_indicator & 0x01U);
     return true;
 }
-bool has_dcs(const sms_pdu_record& r) {
+bool has_dcs(const sms_pdu_record &r)
+{
     if (r.kind == SMS_PDU_STATUS_REPORT) return r.has_parameter_indicator && (r.parameter_indicator & 0x02U);
     return r.kind != SMS_PDU_COMMAND;
 }
 
-Json dcs_json(const sms_pdu_dcs& dcs) {
+Json dcs_json(const sms_pdu_dcs &dcs)
+{
     Json out{{"octet", dcs.octet}, {"compressed", dcs.compressed != 0}, {"auto_delete", dcs.auto_delete != 0}};
     if (dcs.mwi_group != SMS_PDU_MWI_NONE) {
-        static constexpr std::array<const char*, 4> kTypes{"voicemail", "fax", "email", "other"};
+        static constexpr std::array<const char *, 4> kTypes{"voicemail", "fax", "email", "other"};
         out["message_waiting"] = {{"type", kTypes[dcs.mwi_type & 3U]},
                                   {"active", dcs.mwi_active != 0},
                                   {"store", dcs.mwi_group == SMS_PDU_MWI_STORE}};
@@ -52,19 +61,21 @@ Json dcs_json(const sms_pdu_dcs& dcs) {
     return out;
 }
 
-Json headers_json(const sms_pdu_record& r) {
+Json headers_json(const sms_pdu_record &r)
+{
     Json out = Json::array();
     for (size_t i = 0; i < r.element_count; ++i) {
-        const sms_pdu_element& e = r.elements[i];
+        const sms_pdu_element &e = r.elements[i];
         out.push_back({{"id", e.id}, {"data", octets_to_hex(std::span(r.user_data).subspan(e.offset, e.length))}});
     }
     return out;
 }
 
-Json problems_json(const sms_pdu_record& r) {
+Json problems_json(const sms_pdu_record &r)
+{
     Json out = Json::array();
     for (size_t i = 0; i < r.problem_count; ++i) {
-        const sms_pdu_problem& p = r.problems[i];
+        const sms_pdu_problem &p = r.problems[i];
         out.push_back({{"code", p.code}, {"offset", p.offset}, {"text", sms_pdu_problem_text(p.code)}});
     }
     if (r.problems_dropped) out.push_back({{"more", r.problems_dropped}});
@@ -73,17 +84,20 @@ Json problems_json(const sms_pdu_record& r) {
 
 }  // namespace
 
-const char* pdu_kind_name(uint8_t kind) {
-    static constexpr std::array<const char*, 4> kNames{"deliver", "submit", "status-report", "command"};
+const char *pdu_kind_name(uint8_t kind)
+{
+    static constexpr std::array<const char *, 4> kNames{"deliver", "submit", "status-report", "command"};
     return kNames[kind & 3U];
 }
 
-std::string pdu_time_iso8601(const sms_pdu_time& t) {
+std::string pdu_time_iso8601(const sms_pdu_time &t)
+{
     const unsigned year = t.year + (t.year < 96 ? 2000U : 1900U);
     return iso8601_local(year, t.month, t.day, t.hour, t.minute, t.second) + utc_offset(t.timezone);
 }
 
-Json pdu_record_json(const sms_pdu_record& r) {
+Json pdu_record_json(const sms_pdu_record &r)
+{
     const bool timed = r.kind == SMS_PDU_DELIVER || r.kind == SMS_PDU_STATUS_REPORT;
     const bool eight_bit = r.dcs.alphabet == SMS_PDU_ALPHABET_8BIT || r.dcs.compressed;
     Json out;

@@ -5,7 +5,8 @@
 
 namespace smsutil::cli {
 
-PduText split_pdu_text(std::string_view text) {
+PduText split_pdu_text(std::string_view text)
+{
     PduText pdu;
     if (text.empty()) {
         pdu.error = "empty PDU";

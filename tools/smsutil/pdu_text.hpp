@@ -11,7 +11,7 @@ namespace smsutil::cli {
 struct PduText {
     std::vector<uint8_t> service_centre;  // length octet, type of address, digits
     std::vector<uint8_t> tpdu;
-    std::string error;                    // why the text is not a PDU; empty when it is
+    std::string error;  // why the text is not a PDU; empty when it is
 };
 
 // Splits the text without judging the TPDU itself; that is the library's job.

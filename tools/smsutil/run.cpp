@@ -19,19 +19,20 @@ constexpr int kUsageStatus = 2;
 // pointed at the caller's.
 class StreamSwap {
 public:
-    StreamSwap(std::ios& stream, std::ios& target) : stream_(stream), saved_(stream.rdbuf(target.rdbuf())) {}
+    StreamSwap(std::ios &stream, std::ios &target) : stream_(stream), saved_(stream.rdbuf(target.rdbuf())) {}
     ~StreamSwap() { stream_.rdbuf(saved_); }
-    StreamSwap(const StreamSwap&) = delete;
-    StreamSwap& operator=(const StreamSwap&) = delete;
+    StreamSwap(const StreamSwap &) = delete;
+    StreamSwap &operator=(const StreamSwap &) = delete;
 
 private:
-    std::ios& stream_;
-    std::streambuf* saved_;
+    std::ios &stream_;
+    std::streambuf *saved_;
 };
 
 }  // namespace
 
-int run(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err) {
+int run(int argc, const char *const *argv, std::istream &in, std::ostream &out, std::ostream &err)
+{
     const StreamSwap swap_in(std::cin, in);
     const StreamSwap swap_out(std::cout, out);
     const StreamSwap swap_err(std::cerr, err);
@@ -49,16 +50,17 @@ int run(int argc, const char* const* argv, std::istream& in, std::ostream& out, 
     add_join_command(app, exit_status);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
+    } catch (const CLI::ParseError &e) {
         // --help and --version end parsing through the same path, with status 0.
         if (e.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(e, std::cout, std::cerr);
         // A mistyped command reads as a missing one; name what was typed.
         if (app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
-            return print_input_error(std::string("unknown command '") + argv[1] + "' (decode, encode, split, join, cdma, xml)",
-                                     kUsageStatus);
+            return print_input_error(
+                std::string("unknown command '") + argv[1] + "' (decode, encode, split, join, cdma, xml)",
+                kUsageStatus);
         }
         return print_input_error(e.what(), kUsageStatus);
-    } catch (const UsageError& e) {
+    } catch (const UsageError &e) {
         return print_input_error(e.what(), kUsageStatus);
     }
     std::cout.flush();

@@ -8,6 +8,6 @@
 namespace smsutil::cli {
 
 // Exit status: 0 ok, 1 a PDU, text or document failed, 2 usage error.
-int run(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err);
+int run(int argc, const char *const *argv, std::istream &in, std::ostream &out, std::ostream &err);
 
 }  // namespace smsutil::cli

@@ -16,7 +16,8 @@ struct SplitOptions {
     std::string text;
 };
 
-int run_split(const SplitOptions& options) {
+int run_split(const SplitOptions &options)
+{
     Coding coding = resolve_coding(options.text_options, options.text);
     Packs packs = split_packs(options.text, coding, options.text_options.language);
     // As for encode: auto only keeps 7-bit packs that still spell the text.
@@ -41,11 +42,12 @@ int run_split(const SplitOptions& options) {
 
 }  // namespace
 
-void add_split_command(CLI::App& app, int& exit_status) {
+void add_split_command(CLI::App &app, int &exit_status)
+{
     auto options = std::make_shared<SplitOptions>();
-    CLI::App* cmd = app.add_subcommand("split", "Show how a text is cut into the packs of a long message");
+    CLI::App *cmd = app.add_subcommand("split", "Show how a text is cut into the packs of a long message");
     add_text_options(*cmd, options->text_options);
-    auto* text = cmd->add_option("TEXT", options->text, "UTF-8 text; - or nothing reads standard input");
+    auto *text = cmd->add_option("TEXT", options->text, "UTF-8 text; - or nothing reads standard input");
     cmd->footer(
         "Example:\n"
         "  smsutil split --lang spanish - < examples/long_spanish.txt\n"

@@ -6,12 +6,14 @@
 
 namespace smsutil::cli {
 
-const char* pdu_language_name(uint8_t language) {
-    static constexpr std::array<const char*, 4> kNames{"none", "turkish", "spanish", "portuguese"};
+const char *pdu_language_name(uint8_t language)
+{
+    static constexpr std::array<const char *, 4> kNames{"none", "turkish", "spanish", "portuguese"};
     return language < kNames.size() ? kNames[language] : "unknown";
 }
 
-SubmitOutcome encode_submit(const SubmitRequest& request, const std::string& text) {
+SubmitOutcome encode_submit(const SubmitRequest &request, const std::string &text)
+{
     sms_pdu_encode_options options{};
     options.languages = request.languages;
     options.max_parts = request.max_parts;

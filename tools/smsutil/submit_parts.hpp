@@ -14,8 +14,8 @@ namespace smsutil::cli {
 
 struct SubmitRequest {
     std::string to;
-    std::string smsc;                 // empty: the modem's own service centre (00)
-    uint32_t languages = 0;           // bits 1u << sms_pdu_language
+    std::string smsc;        // empty: the modem's own service centre (00)
+    uint32_t languages = 0;  // bits 1u << sms_pdu_language
     uint16_t max_parts = SMS_PDU_MAX_PARTS;
     std::optional<uint16_t> reference;  // none: a fresh one for a message of several parts
     bool status_report = false;
@@ -27,9 +27,9 @@ struct SubmitOutcome {
     std::string error;  // empty on success
 };
 
-SubmitOutcome encode_submit(const SubmitRequest& request, const std::string& text);
+SubmitOutcome encode_submit(const SubmitRequest &request, const std::string &text);
 
 // "none", "turkish", "spanish", "portuguese".
-const char* pdu_language_name(uint8_t language);
+const char *pdu_language_name(uint8_t language);
 
 }  // namespace smsutil::cli

@@ -13,7 +13,8 @@ bool is_continuation(unsigned char byte) { return (byte & 0xC0U) == 0x80U; }
 
 // A surrogate as the library writes it: ED A0..BF xx.  Zero when the three
 // bytes at pos are something else.
-uint32_t surrogate_at(std::string_view bytes, size_t pos) {
+uint32_t surrogate_at(std::string_view bytes, size_t pos)
+{
     if (pos + 3 > bytes.size()) return 0;
     const auto b0 = static_cast<unsigned char>(bytes[pos]);
     const auto b1 = static_cast<unsigned char>(bytes[pos + 1]);
@@ -27,7 +28,8 @@ bool is_low(uint32_t unit) { return unit >= kLowSurrogateFirst && unit <= kLowSu
 
 }  // namespace
 
-Utf8Character utf8_character_at(std::string_view text, size_t pos) {
+Utf8Character utf8_character_at(std::string_view text, size_t pos)
+{
     const auto lead = static_cast<unsigned char>(text[pos]);
     if (lead < 0x80) return {lead, 1};
     struct Lead {
@@ -60,7 +62,8 @@ Utf8Character utf8_character_at(std::string_view text, size_t pos) {
     return {value, length};
 }
 
-std::string utf8_of(uint32_t code_point) {
+std::string utf8_of(uint32_t code_point)
+{
     if (code_point > kLastCodePoint || (code_point >= kHighSurrogateFirst && code_point <= kLowSurrogateLast)) {
         code_point = kReplacementCharacter;
     }
@@ -83,13 +86,15 @@ std::string utf8_of(uint32_t code_point) {
     return out;
 }
 
-size_t utf8_character_count(std::string_view text) {
+size_t utf8_character_count(std::string_view text)
+{
     size_t count = 0;
     for (size_t pos = 0; pos < text.size(); pos += utf8_character_at(text, pos).length) ++count;
     return count;
 }
 
-size_t ucs2_unit_count(std::string_view text) {
+size_t ucs2_unit_count(std::string_view text)
+{
     size_t units = 0;
     for (size_t pos = 0; pos < text.size();) {
         const Utf8Character c = utf8_character_at(text, pos);
@@ -99,7 +104,8 @@ size_t ucs2_unit_count(std::string_view text) {
     return units;
 }
 
-bool has_supplementary_character(std::string_view text) {
+bool has_supplementary_character(std::string_view text)
+{
     for (size_t pos = 0; pos < text.size();) {
         const Utf8Character c = utf8_character_at(text, pos);
         if (c.code_point >= kFirstSupplementary) return true;
@@ -108,7 +114,8 @@ bool has_supplementary_character(std::string_view text) {
     return false;
 }
 
-std::string to_library_utf8(std::string_view text) {
+std::string to_library_utf8(std::string_view text)
+{
     std::string out;
     for (size_t pos = 0; pos < text.size();) {
         const Utf8Character c = utf8_character_at(text, pos);
@@ -128,7 +135,8 @@ std::string to_library_utf8(std::string_view text) {
     return out;
 }
 
-std::string from_library_utf8(std::string_view bytes) {
+std::string from_library_utf8(std::string_view bytes)
+{
     std::string out;
     for (size_t pos = 0; pos < bytes.size();) {
         const uint32_t unit = surrogate_at(bytes, pos);

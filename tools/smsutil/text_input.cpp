@@ -7,7 +7,8 @@
 
 namespace smsutil::cli {
 
-std::string text_from_argument(const std::string& argument, bool given) {
+std::string text_from_argument(const std::string &argument, bool given)
+{
     std::string text = argument;
     if (!given || argument == "-") {
         text.assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());

@@ -9,6 +9,6 @@ namespace smsutil::cli {
 // Standard input loses one trailing line end, which the shell or editor
 // added and the user did not mean to send.  A NUL byte is a usage error:
 // the library reads texts up to their terminator.
-std::string text_from_argument(const std::string& argument, bool given);
+std::string text_from_argument(const std::string &argument, bool given);
 
 }  // namespace smsutil::cli

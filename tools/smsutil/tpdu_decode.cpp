@@ -7,7 +7,8 @@ namespace smsutil::cli {
 namespace {
 
 template <typename Record, typename Decoder>
-void run_decoder(const wms_raw_tpdu& raw, Decoder decoder, DecodedTpdu& out) {
+void run_decoder(const wms_raw_tpdu &raw, Decoder decoder, DecodedTpdu &out)
+{
     Record record;
     std::memset(&record, 0, sizeof record);
     out.status = decoder(&raw, &record);
@@ -16,7 +17,8 @@ void run_decoder(const wms_raw_tpdu& raw, Decoder decoder, DecodedTpdu& out) {
 
 }  // namespace
 
-DecodedTpdu decode_tpdu(const std::vector<uint8_t>& tpdu, uint32_t state) {
+DecodedTpdu decode_tpdu(const std::vector<uint8_t> &tpdu, uint32_t state)
+{
     DecodedTpdu out;
     if (tpdu.empty()) return out;
     wms_raw_tpdu raw;

@@ -19,6 +19,6 @@ struct DecodedTpdu {
 
 // Picks the decoder as ParseSms does: by storage state (2 and 3 are stored
 // SUBMITs), then by TP-MTI.
-DecodedTpdu decode_tpdu(const std::vector<uint8_t>& tpdu, uint32_t state);
+DecodedTpdu decode_tpdu(const std::vector<uint8_t> &tpdu, uint32_t state);
 
 }  // namespace smsutil::cli

@@ -10,26 +10,38 @@ namespace {
 // The records are packed: a field is copied out with unary + before it goes
 // into JSON, whose constructors would bind a misaligned reference to it.
 
-const char* coding_group_name(uint32_t group) {
+const char *coding_group_name(uint32_t group)
+{
     switch (group) {
-    case WMS_DCS_GENERAL: return "general";
-    case WMS_DCS_MWI_DISCARD: return "mwi-discard";
-    case WMS_DCS_MWI_STORE: return "mwi-store";
-    case WMS_DCS_CLASS_GROUP: return "class";
-    default: return "unknown";
+    case WMS_DCS_GENERAL:
+        return "general";
+    case WMS_DCS_MWI_DISCARD:
+        return "mwi-discard";
+    case WMS_DCS_MWI_STORE:
+        return "mwi-store";
+    case WMS_DCS_CLASS_GROUP:
+        return "class";
+    default:
+        return "unknown";
     }
 }
 
-const char* mwi_kind_name(uint8_t kind) {
+const char *mwi_kind_name(uint8_t kind)
+{
     switch (kind) {
-    case WMS_MWI_VOICEMAIL: return "voicemail";
-    case WMS_MWI_FAX: return "fax";
-    case WMS_MWI_EMAIL: return "email";
-    default: return "other";
+    case WMS_MWI_VOICEMAIL:
+        return "voicemail";
+    case WMS_MWI_FAX:
+        return "fax";
+    case WMS_MWI_EMAIL:
+        return "email";
+    default:
+        return "other";
     }
 }
 
-Json dcs_json(const wms_gw_dcs& dcs) {
+Json dcs_json(const wms_gw_dcs &dcs)
+{
     Json out;
     out["coding_group"] = coding_group_name(dcs.coding_group);
     out["alphabet"] = alphabet_name(dcs.alphabet);
@@ -41,14 +53,15 @@ Json dcs_json(const wms_gw_dcs& dcs) {
     return out;
 }
 
-Json address_json(const wms_address& address) {
+Json address_json(const wms_address &address)
+{
     Json out;
     out["type_of_number"] = +address.number_type;
     out["numbering_plan"] = +address.number_plan;
     const size_t count = std::min<size_t>(address.number_of_digits, WMS_ADDRESS_MAX_DIGITS);
     std::string digits;
     if (address.digit_mode == WMS_DIGIT_MODE_CHAR) {
-        digits.assign(reinterpret_cast<const char*>(address.digits), count);
+        digits.assign(reinterpret_cast<const char *>(address.digits), count);
         out["alphanumeric"] = true;
     } else {
         digits.resize(count);
@@ -59,12 +72,14 @@ Json address_json(const wms_address& address) {
     return out;
 }
 
-Json timestamp_json(const wms_timestamp& time) {
+Json timestamp_json(const wms_timestamp &time)
+{
     const auto text = iso8601_timestamp(time);
     return text ? Json(*text) : Json(nullptr);
 }
 
-Json header_json(const wms_udh& header) {
+Json header_json(const wms_udh &header)
+{
     Json out;
     out["id"] = +header.header_id;
     switch (header.header_id) {
@@ -88,9 +103,8 @@ Json header_json(const wms_udh& header) {
         break;
     case WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT:
     case WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT: {
-        const wms_udh_nat_lang& lang = header.header_id == WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT
-                                           ? header.u.nat_lang_ss
-                                           : header.u.nat_lang_ls;
+        const wms_udh_nat_lang &lang =
+            header.header_id == WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT ? header.u.nat_lang_ss : header.u.nat_lang_ls;
         out["name"] = header.header_id == WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT ? "national-language-single-shift"
                                                                                  : "national-language-locking-shift";
         out["language"] = +lang.national_language;
@@ -98,7 +112,7 @@ Json header_json(const wms_udh& header) {
     }
     default: {
         out["name"] = "other";
-        const auto& other = header.u.other;
+        const auto &other = header.u.other;
         const size_t length = std::min<size_t>(other.header_length, WMS_UDH_OTHER_SIZE);
         out["data"] = octets_to_hex(std::span<const uint8_t>(other.data, length));
         break;
@@ -107,7 +121,8 @@ Json header_json(const wms_udh& header) {
     return out;
 }
 
-Json user_data_json(const wms_gw_user_data& data, const wms_gw_dcs& dcs) {
+Json user_data_json(const wms_gw_user_data &data, const wms_gw_dcs &dcs)
+{
     Json out;
     out["length"] = +data.sm_len;
     Json headers = Json::array();
@@ -122,20 +137,25 @@ Json user_data_json(const wms_gw_user_data& data, const wms_gw_dcs& dcs) {
     return out;
 }
 
-Json validity_json(const wms_gw_validity& validity) {
+Json validity_json(const wms_gw_validity &validity)
+{
     switch (validity.format) {
-    case WMS_VP_NONE: return nullptr;
+    case WMS_VP_NONE:
+        return nullptr;
     case WMS_VP_RELATIVE: {
         const auto period = iso8601_duration(validity.time);
         return {{"format", "relative"}, {"period", period ? Json(*period) : Json(nullptr)}};
     }
-    case WMS_VP_ABSOLUTE: return {{"format", "absolute"}, {"time", timestamp_json(validity.time)}};
-    default: return {{"format", "enhanced"}};
+    case WMS_VP_ABSOLUTE:
+        return {{"format", "absolute"}, {"time", timestamp_json(validity.time)}};
+    default:
+        return {{"format", "enhanced"}};
     }
 }
 
 // The fields every kind of TPDU opens with.
-Json tpdu_head(const char* kind, uint8_t first_octet, Json flags) {
+Json tpdu_head(const char *kind, uint8_t first_octet, Json flags)
+{
     Json out;
     out["tpdu"] = kind;
     out["first_octet"] = first_octet;
@@ -143,7 +163,8 @@ Json tpdu_head(const char* kind, uint8_t first_octet, Json flags) {
     return out;
 }
 
-Json deliver_json(const wms_gw_deliver& msg, uint8_t first_octet) {
+Json deliver_json(const wms_gw_deliver &msg, uint8_t first_octet)
+{
     Json out = tpdu_head("deliver", first_octet,
                          {{"more_messages_to_send", msg.more_msgs_to_send != 0},
                           {"reply_path", msg.reply_path_present != 0},
@@ -157,7 +178,8 @@ Json deliver_json(const wms_gw_deliver& msg, uint8_t first_octet) {
     return out;
 }
 
-Json submit_json(const wms_gw_submit& msg, uint8_t first_octet) {
+Json submit_json(const wms_gw_submit &msg, uint8_t first_octet)
+{
     Json out = tpdu_head("submit", first_octet,
                          {{"reject_duplicates", msg.reject_duplicates != 0},
                           {"reply_path", msg.reply_path_present != 0},
@@ -172,7 +194,8 @@ Json submit_json(const wms_gw_submit& msg, uint8_t first_octet) {
     return out;
 }
 
-Json status_report_json(const wms_gw_status_report& msg, uint8_t first_octet) {
+Json status_report_json(const wms_gw_status_report &msg, uint8_t first_octet)
+{
     Json out = tpdu_head("status-report", first_octet,
                          {{"more_messages_to_send", msg.more_msgs_to_send != 0},
                           {"user_data_header", msg.user_data_header_present != 0},
@@ -192,10 +215,11 @@ Json status_report_json(const wms_gw_status_report& msg, uint8_t first_octet) {
 
 }  // namespace
 
-Json tpdu_detail(const DecodedTpdu& tpdu) {
+Json tpdu_detail(const DecodedTpdu &tpdu)
+{
     const uint8_t first = tpdu.first_octet;
     return std::visit(
-        [first](const auto& record) -> Json {
+        [first](const auto &record) -> Json {
             using Record = std::decay_t<decltype(record)>;
             if constexpr (std::is_same_v<Record, wms_gw_deliver>) return deliver_json(record, first);
             if constexpr (std::is_same_v<Record, wms_gw_submit>) return submit_json(record, first);
@@ -205,10 +229,11 @@ Json tpdu_detail(const DecodedTpdu& tpdu) {
         tpdu.record);
 }
 
-Json tpdu_coding(const DecodedTpdu& tpdu) {
-    if (const auto* deliver = std::get_if<wms_gw_deliver>(&tpdu.record)) return alphabet_name(deliver->dcs.alphabet);
-    if (const auto* submit = std::get_if<wms_gw_submit>(&tpdu.record)) return alphabet_name(submit->dcs.alphabet);
-    if (const auto* report = std::get_if<wms_gw_status_report>(&tpdu.record)) {
+Json tpdu_coding(const DecodedTpdu &tpdu)
+{
+    if (const auto *deliver = std::get_if<wms_gw_deliver>(&tpdu.record)) return alphabet_name(deliver->dcs.alphabet);
+    if (const auto *submit = std::get_if<wms_gw_submit>(&tpdu.record)) return alphabet_name(submit->dcs.alphabet);
+    if (const auto *report = std::get_if<wms_gw_status_report>(&tpdu.record)) {
         if ((report->parameter_indicator & 4U) == 0) return nullptr;
         return alphabet_name(report->dcs.alphabet);
     }

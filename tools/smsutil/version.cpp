@@ -2,6 +2,6 @@
 
 namespace smsutil::cli {
 
-const char* tool_version() { return SMSUTIL_TOOL_VERSION; }
+const char *tool_version() { return SMSUTIL_TOOL_VERSION; }
 
 }  // namespace smsutil::cli

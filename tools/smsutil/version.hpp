@@ -3,6 +3,6 @@
 namespace smsutil::cli {
 
 // The project's version, as the build system knows it.
-const char* tool_version();
+const char *tool_version();
 
 }  // namespace smsutil::cli

@@ -13,26 +13,29 @@ namespace {
 
 using nlohmann::json;
 
-json only_line(const ToolRun& run) {
+json only_line(const ToolRun &run)
+{
     const auto lines = lines_of(run.out);
     EXPECT_EQ(lines.size(), 1U) << run.out;
     return lines.empty() ? json() : json::parse(lines[0]);
 }
 
-TEST(CdmaEncode, MessageIdentifierAlone) {
+TEST(CdmaEncode, MessageIdentifierAlone)
+{
     const ToolRun run = run_tool({"cdma", "encode", R"({"message_id":{"type":2,"id":4660}})"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(only_line(run), (json{{"bearer_data", "0003212340"}, {"length", 5}}));
 }
 
 struct RoundTripCase {
-    const char* name;
-    const char* document;
+    const char *name;
+    const char *document;
 };
 
 class CdmaRoundTrip : public ::testing::TestWithParam<RoundTripCase> {};
 
-TEST_P(CdmaRoundTrip, DecoderPrintsWhatTheEncoderRead) {
+TEST_P(CdmaRoundTrip, DecoderPrintsWhatTheEncoderRead)
+{
     const json document = json::parse(GetParam().document);
     const ToolRun encoded = run_tool({"cdma", "encode", document.dump()});
     ASSERT_EQ(encoded.status, 0) << encoded.out;
@@ -66,19 +69,20 @@ INSTANTIATE_TEST_SUITE_P(
         RoundTripCase{"Is91ShortMessage",
                       R"({"user_data":{"encoding":1,"is91ep_type":133,"num_fields":2,"padding_bits":0,
                           "data":"4849"},"alert_on_delivery":true})"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto &info) { return std::string(info.param.name); });
 
 struct BadInputCase {
-    const char* name;
-    const char* command;
-    const char* input;
-    const char* error_part;
+    const char *name;
+    const char *command;
+    const char *input;
+    const char *error_part;
 };
 
 class CdmaBadInput : public ::testing::TestWithParam<BadInputCase> {};
 
-TEST_P(CdmaBadInput, PrintsTheCauseAndExitsWithOne) {
-    const auto& c = GetParam();
+TEST_P(CdmaBadInput, PrintsTheCauseAndExitsWithOne)
+{
+    const auto &c = GetParam();
     const ToolRun run = run_tool({"cdma", c.command, c.input});
     EXPECT_EQ(run.status, 1);
     const json out = only_line(run);
@@ -97,19 +101,20 @@ INSTANTIATE_TEST_SUITE_P(
                      R"({"user_data":{"encoding":1,"is91ep_type":133,"num_fields":3,"data":"4849"}})", "returned 101"},
         BadInputCase{"Is91UnknownType", "encode",
                      R"({"user_data":{"encoding":1,"is91ep_type":129,"num_fields":1,"data":"48"}})", "returned 4"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto &info) { return std::string(info.param.name); });
 
 // What cannot be read as bearer data: one line on standard error naming
 // the key, exit status 1, nothing on standard output.
 struct JsonErrorCase {
-    const char* name;
-    const char* document;
-    const char* message;
+    const char *name;
+    const char *document;
+    const char *message;
 };
 
 class CdmaEncodeJsonError : public ::testing::TestWithParam<JsonErrorCase> {};
 
-TEST_P(CdmaEncodeJsonError, NamesTheKeyOnStandardError) {
+TEST_P(CdmaEncodeJsonError, NamesTheKeyOnStandardError)
+{
     const ToolRun run = run_in_process({"cdma", "encode", GetParam().document});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "");
@@ -119,10 +124,12 @@ TEST_P(CdmaEncodeJsonError, NamesTheKeyOnStandardError) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, CdmaEncodeJsonError,
     ::testing::Values(
-        JsonErrorCase{"Empty", "", "not JSON: parse error at line 1, column 1: syntax error while parsing value - "
-                                   "unexpected end of input; expected '[', '{', or a literal"},
-        JsonErrorCase{"Unclosed", "{", "not JSON: parse error at line 1, column 2: syntax error while parsing "
-                                       "object key - unexpected end of input; expected string literal"},
+        JsonErrorCase{"Empty", "",
+                      "not JSON: parse error at line 1, column 1: syntax error while parsing value - "
+                      "unexpected end of input; expected '[', '{', or a literal"},
+        JsonErrorCase{"Unclosed", "{",
+                      "not JSON: parse error at line 1, column 2: syntax error while parsing "
+                      "object key - unexpected end of input; expected string literal"},
         JsonErrorCase{"NotAnObject", "[]", "the document: expected an object"},
         JsonErrorCase{"UnknownKey", R"({"colour":1})", "colour: unknown key"},
         JsonErrorCase{"UnknownInnerKey", R"({"message_id":{"type":1,"id":2,"x":3}})", "message_id.x: unknown key"},
@@ -147,8 +154,10 @@ INSTANTIATE_TEST_SUITE_P(
         JsonErrorCase{"Digits", R"({"callback":{"digit_mode":0}})", "callback.digits: missing"},
         // Each key of the wrong type.
         JsonErrorCase{"MessageIdNumber", R"({"message_id":1})", "message_id: expected an object"},
-        JsonErrorCase{"TypeText", R"({"message_id":{"type":"2","id":1}})", "message_id.type: expected an unsigned number"},
-        JsonErrorCase{"IdFraction", R"({"message_id":{"type":2,"id":1.5}})", "message_id.id: expected an unsigned number"},
+        JsonErrorCase{"TypeText", R"({"message_id":{"type":"2","id":1}})",
+                      "message_id.type: expected an unsigned number"},
+        JsonErrorCase{"IdFraction", R"({"message_id":{"type":2,"id":1.5}})",
+                      "message_id.id: expected an unsigned number"},
         JsonErrorCase{"UserDataText", R"({"user_data":"hi"})", "user_data: expected an object"},
         JsonErrorCase{"DataNumber", R"({"user_data":{"encoding":0,"num_fields":0,"data":12}})",
                       "user_data.data: expected a string"},
@@ -168,7 +177,8 @@ INSTANTIATE_TEST_SUITE_P(
         JsonErrorCase{"AlertNumber", R"({"alert_on_delivery":1})", "alert_on_delivery: expected true or false"},
         JsonErrorCase{"LanguageText", R"({"language":"en"})", "language: expected an unsigned number"},
         JsonErrorCase{"CallbackNull", R"({"callback":null})", "callback: expected an object"},
-        JsonErrorCase{"DigitsNumber", R"({"callback":{"digit_mode":0,"digits":5}})", "callback.digits: expected a string"},
+        JsonErrorCase{"DigitsNumber", R"({"callback":{"digit_mode":0,"digits":5}})",
+                      "callback.digits: expected a string"},
         JsonErrorCase{"DisplayModeObject", R"({"display_mode":{}})", "display_mode: expected an unsigned number"},
         // Values of the right type out of range.
         JsonErrorCase{"PriorityAboveThree", R"({"priority":4})", "priority: above 3"},
@@ -176,10 +186,10 @@ INSTANTIATE_TEST_SUITE_P(
                       "callback.digits: only 0-9, * and # travel as DTMF digits"},
         JsonErrorCase{"BadTime", R"({"mc_time":"2026-13"})",
                       "mc_time: expected YYYY-MM-DDThh:mm:ss (1996-2095) or 12 hexadecimal digits"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto &info) { return std::string(info.param.name); });
 
 struct DecodeInputCase {
-    const char* name;
+    const char *name;
     std::vector<std::string> args;
     std::string input;
     int status;
@@ -188,8 +198,9 @@ struct DecodeInputCase {
 
 class CdmaDecodeInput : public ::testing::TestWithParam<DecodeInputCase> {};
 
-TEST_P(CdmaDecodeInput, PrintsOneLinePerBearerData) {
-    const auto& c = GetParam();
+TEST_P(CdmaDecodeInput, PrintsOneLinePerBearerData)
+{
+    const auto &c = GetParam();
     std::vector<std::string> args{"cdma", "decode"};
     args.insert(args.end(), c.args.begin(), c.args.end());
     const ToolRun run = run_in_process(args, c.input);
@@ -204,22 +215,39 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         DecodeInputCase{"StandardInput", {}, "# two\r\n0003212340\r\n\r\n0003212340\r\n", 0, {kMessageId, kMessageId}},
         DecodeInputCase{"DashReadsStandardInput", {"-"}, "0003212340", 0, {kMessageId}},
-        DecodeInputCase{"BadLineFailsTheRun", {}, "0003212340\nzz\n", 1,
+        DecodeInputCase{"BadLineFailsTheRun",
+                        {},
+                        "0003212340\nzz\n",
+                        1,
                         {kMessageId, {{"line", 2}, {"error", "'z' (U+007A) at column 1 is not a hexadecimal digit"}}}},
-        DecodeInputCase{"LineLongerThanBearerData", {}, std::string(512, '0'), 1,
+        DecodeInputCase{"LineLongerThanBearerData",
+                        {},
+                        std::string(512, '0'),
+                        1,
                         {{{"line", 1}, {"error", "bearer data longer than 255 octets"}}}},
-        DecodeInputCase{"CutShortAfterTheRest", {"00032123400306261122"}, "", 0,
+        DecodeInputCase{"CutShortAfterTheRest",
+                        {"00032123400306261122"},
+                        "",
+                        0,
                         {{{"message_id", {{"type", 2}, {"id", 4660}}},
                           {"problems", {"subparameter 3 (mc_time) announces 6 octets, 3 remain"}}}}},
-        DecodeInputCase{"LoneIdentifierAtTheEnd", {"000321234008"}, "", 0,
+        DecodeInputCase{"LoneIdentifierAtTheEnd",
+                        {"000321234008"},
+                        "",
+                        0,
                         {{{"message_id", {{"type", 2}, {"id", 4660}}},
                           {"problems", {"subparameter 8 (priority) has no length octet"}}}}},
-        DecodeInputCase{"UnknownSubparameterCutShort", {"0003212340" "1405"}, "", 0,
+        DecodeInputCase{"UnknownSubparameterCutShort",
+                        {"0003212340"
+                         "1405"},
+                        "",
+                        0,
                         {{{"message_id", {{"type", 2}, {"id", 4660}}},
                           {"problems", {"subparameter 20 announces 5 octets, 0 remain"}}}}}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto &info) { return std::string(info.param.name); });
 
-TEST(CdmaBadInput, Over255OctetsIsRefusedBeforeTheLibrary) {
+TEST(CdmaBadInput, Over255OctetsIsRefusedBeforeTheLibrary)
+{
     const ToolRun run = run_tool({"cdma", "decode", std::string(512, '0')});
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(only_line(run)["error"].get<std::string>().find("longer than 255"), std::string::npos);

@@ -11,11 +11,12 @@
 namespace smsutil::cli::test {
 namespace {
 
-TEST(FuzzCorpus, EveryInputEndsInAStatus) {
+TEST(FuzzCorpus, EveryInputEndsInAStatus)
+{
     size_t inputs = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(SMSUTIL_FUZZ_CORPUS_DIR)) {
+    for (const auto &entry : std::filesystem::directory_iterator(SMSUTIL_FUZZ_CORPUS_DIR)) {
         const std::string data = read_file(entry.path().string());
-        const int status = fuzzin::run_smsutil(reinterpret_cast<const uint8_t*>(data.data()), data.size());
+        const int status = fuzzin::run_smsutil(reinterpret_cast<const uint8_t *>(data.data()), data.size());
         EXPECT_TRUE(status >= 0 && status <= 2) << entry.path() << " gave " << status;
         ++inputs;
     }

@@ -17,25 +17,27 @@ namespace {
 
 using nlohmann::json;
 
-std::vector<std::string> long_message_parts() {
+std::vector<std::string> long_message_parts()
+{
     std::vector<std::string> parts;
-    for (const auto& line : lines_of(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/long_message.pdu"))) {
+    for (const auto &line : lines_of(read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/long_message.pdu"))) {
         if (!line.empty() && line[0] != '#') parts.push_back(line);
     }
     return parts;
 }
 
-std::string decoded_text() {
+std::string decoded_text()
+{
     std::string text;
-    for (const auto& line : json_lines(run_tool({"decode"}, read_file(std::string(SMSUTIL_EXAMPLES_DIR) +
-                                                                     "/long_message.pdu"))
-                                           .out)) {
+    for (const auto &line :
+         json_lines(run_tool({"decode"}, read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/long_message.pdu")).out)) {
         text += line["text"].get<std::string>();
     }
     return text;
 }
 
-TEST(Join, ShuffledRepeatedPartsJoinAndAMissingPartIsNamed) {
+TEST(Join, ShuffledRepeatedPartsJoinAndAMissingPartIsNamed)
+{
     const ToolRun run = run_tool({"join"}, read_file(std::string(SMSUTIL_EXAMPLES_DIR) + "/long_message_parts.pdu"));
     EXPECT_EQ(run.status, 0) << run.err;
     const auto lines = json_lines(run.out);
@@ -53,14 +55,15 @@ TEST(Join, ShuffledRepeatedPartsJoinAndAMissingPartIsNamed) {
 
 // Pasted modem output joins like bare PDU lines, by either decoder; only
 // the standards-true one knows the time stamp's offset.
-TEST(Join, ModemOutputThroughEitherDecoder) {
+TEST(Join, ModemOutputThroughEitherDecoder)
+{
     std::string pasted = "AT+CMGL=4\r\n";
-    for (const auto& part : long_message_parts()) {
+    for (const auto &part : long_message_parts()) {
         pasted += "+CMGL: 1,1,," + std::to_string(part.size() / 2 - 9) + "\r\n" + part + "\r\n";
     }
     pasted += "OK\r\n";
-    for (const auto& [option, timestamp] : {std::pair<std::string, std::string>{"", "2026-11-22T23:30:01+01:00"},
-                                            {"--gateway", "2026-11-22T23:30:01"}}) {
+    for (const auto &[option, timestamp] :
+         {std::pair<std::string, std::string>{"", "2026-11-22T23:30:01+01:00"}, {"--gateway", "2026-11-22T23:30:01"}}) {
         std::vector<std::string> args{"join"};
         if (!option.empty()) args.push_back(option);
         const ToolRun run = run_in_process(args, pasted);
@@ -72,7 +75,8 @@ TEST(Join, ModemOutputThroughEitherDecoder) {
     }
 }
 
-TEST(Join, PartsArriveOverSeveralRuns) {
+TEST(Join, PartsArriveOverSeveralRuns)
+{
     const std::string state = std::string(SMSUTIL_CLI_WORK_DIR) + "/join_state.bin";
     std::remove(state.c_str());
     const auto parts = long_message_parts();

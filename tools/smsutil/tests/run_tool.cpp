@@ -11,7 +11,8 @@
 namespace smsutil::cli::test {
 namespace {
 
-std::string shell_quote(const std::string& arg) {
+std::string shell_quote(const std::string &arg)
+{
     std::string quoted = "'";
     for (char c : arg) {
         if (c == '\'') {
@@ -25,21 +26,23 @@ std::string shell_quote(const std::string& arg) {
 
 }  // namespace
 
-std::string read_file(const std::string& path) {
+std::string read_file(const std::string &path)
+{
     std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
 }
 
-ToolRun run_tool(const std::vector<std::string>& args, const std::string& input) {
+ToolRun run_tool(const std::vector<std::string> &args, const std::string &input)
+{
     const std::string dir = SMSUTIL_CLI_WORK_DIR;
     const std::string in_path = dir + "/stdin.txt";
     const std::string out_path = dir + "/stdout.txt";
     const std::string err_path = dir + "/stderr.txt";
     std::ofstream(in_path, std::ios::binary) << input;
     std::string command = shell_quote(SMSUTIL_TOOL_PATH);
-    for (const auto& arg : args) command += " " + shell_quote(arg);
+    for (const auto &arg : args) command += " " + shell_quote(arg);
     command += " <" + shell_quote(in_path) + " >" + shell_quote(out_path) + " 2>" + shell_quote(err_path);
     const int raw = std::system(command.c_str());
     ToolRun run;
@@ -49,9 +52,10 @@ ToolRun run_tool(const std::vector<std::string>& args, const std::string& input)
     return run;
 }
 
-ToolRun run_in_process(const std::vector<std::string>& args, const std::string& input) {
-    std::vector<const char*> argv{SMSUTIL_TOOL_PATH};
-    for (const auto& arg : args) argv.push_back(arg.c_str());
+ToolRun run_in_process(const std::vector<std::string> &args, const std::string &input)
+{
+    std::vector<const char *> argv{SMSUTIL_TOOL_PATH};
+    for (const auto &arg : args) argv.push_back(arg.c_str());
     std::istringstream in(input);
     std::ostringstream out;
     std::ostringstream err;
@@ -62,7 +66,8 @@ ToolRun run_in_process(const std::vector<std::string>& args, const std::string& 
     return result;
 }
 
-std::vector<std::string> lines_of(const std::string& text) {
+std::vector<std::string> lines_of(const std::string &text)
+{
     std::vector<std::string> lines;
     std::istringstream in(text);
     std::string line;
@@ -70,13 +75,15 @@ std::vector<std::string> lines_of(const std::string& text) {
     return lines;
 }
 
-std::vector<nlohmann::json> json_lines(const std::string& out) {
+std::vector<nlohmann::json> json_lines(const std::string &out)
+{
     std::vector<nlohmann::json> values;
-    for (const auto& line : lines_of(out)) values.push_back(nlohmann::json::parse(line));
+    for (const auto &line : lines_of(out)) values.push_back(nlohmann::json::parse(line));
     return values;
 }
 
-std::string repeat(const std::string& piece, size_t times) {
+std::string repeat(const std::string &piece, size_t times)
+{
     std::string text;
     for (size_t i = 0; i < times; ++i) text += piece;
     return text;
