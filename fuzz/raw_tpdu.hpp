@@ -27,6 +27,20 @@ inline wms_raw_tpdu raw_tpdu(Input &in)
 
 // One TPDU decoder on one input: a defined result, and on success a record
 // whose counts keep a caller's reads inside its arrays.
+// The octets past len must not matter: decoding again with them set
+// differently gives the same result and the same record.
+template <typename Record, typename Decode>
+void check_other_tail(const wms_raw_tpdu &raw, Decode decode, wms_status_e_type rc, const Record &first)
+{
+    if (raw.len >= WMS_MAX_LEN) return;
+    wms_raw_tpdu other = raw;
+    for (std::size_t i = raw.len; i < WMS_MAX_LEN; ++i) other.data[i] = static_cast<uint8_t>(~raw.data[i] ^ i);
+    Record again;
+    std::memset(&again, 0, sizeof again);
+    FUZZ_CHECK(decode(&other, &again) == rc);
+    FUZZ_CHECK(std::memcmp(&first, &again, sizeof first) == 0);
+}
+
 template <typename Record, typename Decode>
 int decode_tpdu(const uint8_t *data, std::size_t size, Decode decode)
 {
@@ -35,16 +49,7 @@ int decode_tpdu(const uint8_t *data, std::size_t size, Decode decode)
     Record msg;  // the caller clears the record
     std::memset(&msg, 0, sizeof msg);
     const wms_status_e_type rc = decode(&raw, &msg);
-    // The octets past len must not matter: decoding again with them set
-    // differently gives the same result and the same record.
-    if (raw.len < WMS_MAX_LEN) {
-        wms_raw_tpdu other = raw;
-        for (std::size_t i = raw.len; i < WMS_MAX_LEN; ++i) other.data[i] = static_cast<uint8_t>(~raw.data[i] ^ i);
-        Record again;
-        std::memset(&again, 0, sizeof again);
-        FUZZ_CHECK(decode(&other, &again) == rc);
-        FUZZ_CHECK(std::memcmp(&msg, &again, sizeof msg) == 0);
-    }
+    check_other_tail(raw, decode, rc, msg);
     FUZZ_CHECK(rc == WMS_TS_STATUS_OK || rc == WMS_TS_STATUS_BAD_ADDRESS || rc == WMS_TS_STATUS_BAD_USER_DATA_LENGTH ||
                rc == WMS_TS_STATUS_BAD_TIME || rc == WMS_TS_STATUS_BAD_VALIDITY_FORMAT);
     if (rc == WMS_TS_STATUS_OK) {
