@@ -54,6 +54,18 @@ clean:
 # repeated runs.  BENCH_ARGS=--benchmark_filter=parse_sms narrows the run.
 BENCH_ARGS ?=
 BENCH_REPETITIONS ?= 10
+# Instructions per call of each entry point against bench/instruction_budget.txt
+# (callgrind counts, so load does not matter); fails on any entry over its
+# budget by more than 5 %.
+.PHONY: perf-check
+perf-check: deps
+	cmake --preset bench
+	cmake --build --preset bench --target smsutil_probe
+	cmake --preset bench-notrace
+	cmake --build --preset bench-notrace --target smsutil_probe
+	bench/scripts/perf_check.sh bench/instruction_budget.txt \
+		build/bench/bench/smsutil_probe build/bench-notrace/bench/smsutil_probe
+
 .PHONY: bench
 bench:
 	cmake --preset bench
