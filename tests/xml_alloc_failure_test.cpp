@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <string>
 #include <tuple>
 
@@ -20,362 +19,242 @@ namespace {
 using namespace smsutil::test;
 
 using xmltest::describe;
-
-// What one run left behind: the result code and the observable state.
-struct Outcome {
-    long rc;
-    std::string state;
-};
-
-// With `persistent` set, request k and every one after it fail: the
-// buffer's growth retries at the exact size, which a single failure never
-// stops, and clean-up paths must not depend on allocating again.
-bool g_persistent = false;
-
-// One attempt with allocation request k failing.  The operation runs inside
-// the failing hooks; building the fixture and describing it do not.
-struct Attempt {
-    long rc = 0;
-    bool failure_hit = false;
-    long live = 0;  // blocks allocated less blocks released by the operation
-};
-template <typename Op>
-Attempt attempt(long k, Op op)
-{
-    xmltest::HookScope hooks(k, g_persistent);
-    Attempt a;
-    a.rc = static_cast<long>(op());
-    a.failure_hit = hooks.failure_hit();
-    a.live = hooks.live();
-    return a;
-}
-
-struct SweepCase {
-    const char *name;
-    // Builds a fresh fixture, runs the entry point with request k failing,
-    // describes the fixture and releases it.
-    std::function<Outcome(long k, Attempt &)> run;
-    Outcome on_failure;  // what every failing run must leave
-    Outcome on_success;  // what the run without a failure gives
-    // The buffer's growth retries once at the exact size, so a single
-    // failing request may still end in success.
-    bool may_recover = false;
-    // Blocks of the fixture that a failing run gives back as documented (a
-    // typed write releases the old text before it allocates the new).
-    long released = 0;
-    // A parse that loses a request part-way reports the markup it could not
-    // finish as a syntax error.
-    long later_rc = 0;
-};
-
-void PrintTo(const SweepCase &c, std::ostream *os) { *os << c.name; }
-
-class AllocationFailureSweep : public ::testing::TestWithParam<std::tuple<SweepCase, bool>> {
-protected:
-    void TearDown() override { g_persistent = false; }
-};
-
-TEST_P(AllocationFailureSweep, EveryRequestFailingInTurn)
-{
-    const auto &[c, persistent] = GetParam();
-    g_persistent = persistent;
-    long reported = 0;
-    for (long k = 1; k < 1000; ++k) {
-        Attempt a;
-        const Outcome o = c.run(k, a);
-        if (!a.failure_hit) {
-            EXPECT_EQ(o.rc, c.on_success.rc);
-            EXPECT_EQ(o.state, c.on_success.state);
-            // A single failure of a retried growth is absorbed; otherwise
-            // some request must have been reported as failing.
-            if (persistent || !c.may_recover) {
-                EXPECT_GE(reported, 1) << "no failing request was reported";
-            }
-            return;
-        }
-        if (c.may_recover && !persistent && o.rc == c.on_success.rc && o.state == c.on_success.state) continue;
-        ++reported;
-        EXPECT_TRUE(o.rc == c.on_failure.rc || (c.later_rc != 0 && o.rc == c.later_rc)) << "k=" << k << " rc=" << o.rc;
-        EXPECT_EQ(o.state, c.on_failure.state) << "k=" << k;
-        EXPECT_EQ(a.live, -c.released) << "k=" << k;
-    }
-    ADD_FAILURE() << "the entry point never completed";
-}
+using Out = std::string;
 
 const long kNoMemory = XML_ERR_NO_MEMORY;
 
-// ---- Nodes ----
+// Holds 1024 bytes, which fill its first growth step, before each run.
+XML_MemBuf g_buf;
 
-Outcome new_node(long k, Attempt &a)
+// Length, where the first byte other than 'k' is, and those bytes.
+std::string buffer_state()
 {
-    XML_Node *node = nullptr;
-    a = attempt(k, [&] {
-        node = XML_NewNode(XML_NODE_ATTR);
-        return node != nullptr ? XML_OK : XML_ERR_NO_MEMORY;
-    });
-    const std::string state = node == nullptr ? "null" : node->kind == XML_NODE_ATTR ? "attr" : "?";
-    XML_FreeSingleNode(node);
-    return {a.rc, state};
-}
-
-Outcome strdup_text(long k, Attempt &a)
-{
-    char *copy = nullptr;
-    a = attempt(k, [&] {
-        copy = XML_Strdup("text");
-        return copy != nullptr ? XML_OK : XML_ERR_NO_MEMORY;
-    });
-    const std::string state = copy != nullptr ? copy : "null";
-    XML_Free(copy);
-    return {a.rc, state};
-}
-
-// A node p:n(v) whose three fields an operation replaces.
-template <typename Op>
-Outcome on_node(long k, Attempt &a, Op op)
-{
-    XML_Node *node = nullptr;
-    EXPECT_EQ(NDL_XML_CreateNode(0, "p", "n", "v", &node), XML_OK);
-    a = attempt(k, [&] { return op(node); });
-    const std::string state = describe(node);
-    NDL_XML_FreeNode(node);
-    return {a.rc, state};
-}
-
-Outcome create_node(long k, Attempt &a)
-{
-    XML_Node *node = nullptr;
-    a = attempt(k, [&] { return NDL_XML_CreateNode(0, "p", "n", "v", &node); });
-    const std::string state = describe(node);
-    NDL_XML_FreeNode(node);
-    return {a.rc, state};
-}
-
-// ---- Attributes and typed values, on <r a='1'>old</r> ----
-
-template <typename Op>
-Outcome on_tree(long k, Attempt &a, Op op)
-{
-    xmltest::Tree tree = xmltest::parse("<r a='1'>old</r>");
-    a = attempt(k, [&] { return op(tree.get()); });
-    return {a.rc, describe(tree.get())};
-}
-
-const uint32_t kSeven = 7;
-
-// ---- Text buffer: 1024 bytes that fill its first growth step ----
-
-template <typename Op>
-Outcome on_buffer(long k, Attempt &a, Op op)
-{
-    XML_MemBuf buf;
-    XML_MembufInit(&buf);
-    const std::string full(1024, 'k');
-    EXPECT_EQ(XML_MemBufAssignStr(&buf, full.c_str()), XML_OK);
-    EXPECT_EQ(buf.capacity, buf.length);
-    a = attempt(k, [&] { return op(&buf); });
-    // Length, where the first byte other than 'k' is, and those bytes.
-    const std::string text = buf.data != nullptr ? std::string(buf.data, buf.length) : "";
-    std::string others;
-    for (const char ch : text) {
-        if (ch != 'k') others += ch;
-    }
+    const std::string text = g_buf.data != nullptr ? std::string(g_buf.data, g_buf.length) : "";
     const std::size_t at = text.find_first_not_of('k');
-    const std::string where = at == std::string::npos ? "-" : std::to_string(at);
-    XML_MembufDestroy(&buf);
-    return {a.rc, std::to_string(text.size()) + ":" + where + ":" + others.substr(0, 8)};
-}
-
-const std::string kLong(3000, 'x');
-
-// ---- Files ----
-
-std::string sweep_file(const std::string &name, const std::string &content)
-{
-    return xmltest::write_work_file(name, content);
-}
-
-Outcome transform_file(long k, Attempt &a)
-{
-    const std::string path = sweep_file("sweep_transform.xml", "old");
-    xmltest::Tree tree = xmltest::parse("<r a='&quot;'><c>t&amp;u</c><d/></r>");
-    a = attempt(k, [&] { return NDL_XML_TransformFile(tree.get(), path.c_str()); });
-    return {a.rc, xmltest::read_work_file(path)};
+    std::string others;
+    for (const char ch : text) others += ch != 'k' && others.size() < 8 ? std::string(1, ch) : "";
+    return std::to_string(text.size()) + ":" + (at == std::string::npos ? "-" : std::to_string(at)) + ":" + others;
 }
 
 const char kSettings[] =
     "<?xml version=\"1.0\"?>\n<configuration><FEATURE_SMS><lang_table>2</lang_table>"
     "<item id='7' name='seven'/></FEATURE_SMS></configuration>\n";
+const uint32_t kSeven = 7;
+const std::string kLong(3000, 'x');
 
-template <typename Op>
-Outcome lookup_file(long k, Attempt &a, Op op)
+struct SweepCase {
+    const char *name;
+    const char *doc;  // the tree the entry point works on; null: none
+    // Runs inside the failing hooks and describes what the entry point
+    // produced; whatever it made is released there too.
+    long (*run)(XML_Node *tree, Out &out);
+    long failure_rc;
+    const char *failure_state;  // what every failing run leaves (output|tree)
+    long success_rc;
+    const char *success_state;
+    // The buffer's growth retries once at the exact size, so a single
+    // failing request may still end in success.
+    bool may_recover = false;
+    // Blocks of the tree that a failing run gives back as documented (a
+    // typed write releases the old text before it allocates the new).
+    long released = 0;
+    // A parse that loses a request part-way may report the markup it could
+    // not finish as a syntax error.
+    long later_rc = 0;
+};
+
+void PrintTo(const SweepCase &c, std::ostream *os) { *os << c.name; }
+
+class AllocationFailureSweep : public ::testing::TestWithParam<std::tuple<SweepCase, bool>> {};
+
+// With `persistent`, request k and every one after it fail: the buffer's
+// exact-size retry is then refused too, and clean-up paths must not depend
+// on allocating again.
+TEST_P(AllocationFailureSweep, EveryRequestFailingInTurn)
 {
-    const std::string path = sweep_file("sweep_lookup.xml", kSettings);
-    char out[32] = "junk";
-    a = attempt(k, [&] { return op(path.c_str(), out); });
-    return {a.rc, out};
+    const auto &[c, persistent] = GetParam();
+    long reported = 0;
+    for (long k = 1; k < 1000; ++k) {
+        xmltest::Tree tree = c.doc != nullptr ? xmltest::parse(c.doc) : nullptr;
+        XML_MembufInit(&g_buf);
+        ASSERT_EQ(XML_MemBufAssignStr(&g_buf, std::string(1024, 'k').c_str()), XML_OK);
+        std::string state;
+        long rc = 0;
+        bool hit = false;
+        long live = 0;
+        {
+            xmltest::HookScope hooks(k, persistent);
+            rc = c.run(tree.get(), state);
+            hit = hooks.failure_hit();
+            live = hooks.live();
+        }
+        XML_MembufDestroy(&g_buf);
+        if (c.doc != nullptr) state += "|" + describe(tree.get());
+        if (!hit) {
+            EXPECT_EQ(rc, c.success_rc);
+            EXPECT_EQ(state, c.success_state);
+            // Otherwise some request must have been reported as failing.
+            if (persistent || !c.may_recover) {
+                EXPECT_GE(reported, 1) << "no failing request was reported";
+            }
+            return;
+        }
+        if (c.may_recover && !persistent && rc == c.success_rc && state == c.success_state) continue;
+        ++reported;
+        EXPECT_TRUE(rc == c.failure_rc || (c.later_rc != 0 && rc == c.later_rc)) << "k=" << k << " rc=" << rc;
+        EXPECT_EQ(state, c.failure_state) << "k=" << k;
+        EXPECT_EQ(live, -c.released) << "k=" << k;
+    }
+    ADD_FAILURE() << "the entry point never completed";
+}
+
+long buffer_after(long rc, Out &out)
+{
+    out = buffer_state();
+    return rc;
+}
+
+// Describes and releases what an entry point stored through its output.
+long kept(XML_Node *&node, long rc, Out &out)
+{
+    out = xmltest::describe_chain(node);
+    XML_FreeNode(node);
+    return rc;
+}
+
+long new_node(XML_Node *, Out &out)
+{
+    XML_Node *n = XML_NewNode(XML_NODE_ATTR);
+    out = n == nullptr ? "null" : n->kind == XML_NODE_ATTR ? "attr" : "?";
+    XML_FreeSingleNode(n);
+    return out == "null" ? kNoMemory : 0;
+}
+
+long strdup_text(XML_Node *, Out &out)
+{
+    char *copy = XML_Strdup("text");
+    out = copy != nullptr ? copy : "null";
+    XML_Free(copy);
+    return out == "null" ? kNoMemory : 0;
+}
+
+long create(XML_Node *, Out &out)
+{
+    XML_Node *n = nullptr;
+    return kept(n, NDL_XML_CreateNode(0, "p", "n", "v", &n), out);
+}
+
+template <uint32_t (*Clone)(const XML_Node *, XML_Node **)>
+long clone(XML_Node *t, Out &out)
+{
+    XML_Node *copy = nullptr;
+    return kept(copy, Clone(t->firstChild, &copy), out);
+}
+
+long parse(XML_Node *, Out &out)
+{
+    XML_Node *root = nullptr;
+    return kept(root, NDL_XML_Parse("<?xml version='1.0'?><p:r a='1' q:b='&lt;'><c>t&amp;</c><d/></p:r><s/>", &root),
+                out);
+}
+
+long parse_file(XML_Node *, Out &out)
+{
+    XML_Node *root = nullptr;
+    const std::string path = xmltest::write_work_file("sweep_parse.xml", "<r a='1'><c>t</c><d/></r>");
+    return kept(root, NDL_XML_ParseFile(path.c_str(), &root), out);
+}
+
+long transform(XML_Node *t, Out &out)
+{
+    char *text = nullptr;
+    const long rc = NDL_XML_Transform(t, &text);
+    out = text != nullptr ? text : "null";
+    NDL_XML_FreeMem(text);
+    return rc;
+}
+
+// The text is built before the file is opened: a failure leaves it alone.
+long transform_file(XML_Node *t, Out &out)
+{
+    const std::string path = xmltest::write_work_file("sweep_transform.xml", "old");
+    const long rc = NDL_XML_TransformFile(t, path.c_str());
+    out = xmltest::read_work_file(path);
+    return rc;
+}
+
+long lookup_file(XML_Node *, Out &out)
+{
+    const std::string path = xmltest::write_work_file("sweep_lookup.xml", kSettings);
+    char text[32] = "junk";
+    const long rc = NDL_XML_GetNodeOrAttrEx(path.c_str(), "configuration.FEATURE_SMS.lang_table", text, sizeof text);
+    out = text;
+    return rc;
 }
 
 // The national 8-bit conversion reads its setting through the XML library:
 // a failing allocation reads as a missing setting, never as a failure of
 // the conversion.  With lang_table 2 the byte 0xAC takes the Spanish code 0x09.
-Outcome kv8bit_with_setting(long k, Attempt &a)
+long kv8bit_with_setting(XML_Node *, Out &out)
 {
     const std::filesystem::path path(SMSUTIL_FEATURE_FILE);
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << kSettings;
     const uint8_t in[] = {0xAC, 0x41};
-    uint8_t out[8] = {};
+    uint8_t codes[8] = {};
     uint32_t len = 0;
-    a = attempt(k, [&] { return kv8bit_to_gsm7bit(in, sizeof in, out, sizeof out, &len); });
+    const long rc = kv8bit_to_gsm7bit(in, sizeof in, codes, sizeof codes, &len);
     std::filesystem::remove(path);
-    std::string codes;
-    for (uint32_t i = 0; i < len && i < sizeof out; ++i) {
-        char hex[4];
-        std::snprintf(hex, sizeof hex, "%02x", out[i]);
-        codes += hex;
-    }
-    return {a.rc, codes};
+    out = hex(codes, len < sizeof codes ? len : sizeof codes);
+    return rc;
 }
 
-Outcome parse_text(long k, Attempt &a)
-{
-    XML_Node *root = nullptr;
-    a = attempt(k, [&] {
-        return NDL_XML_Parse("<?xml version='1.0'?><p:r a='1' q:b='&lt;'><c>t&amp;</c><d/></p:r><s/>", &root);
-    });
-    const std::string state = xmltest::describe_chain(root);
-    XML_FreeNode(root);
-    return {a.rc, state};
-}
+long set_node(XML_Node *t, Out &) { return NDL_XML_SetNode(t, "q", "m", "w"); }
+long set_attr(XML_Node *t, Out &) { return NDL_XML_SetAttr(t, nullptr, "a", "new"); }
+long add_attr(XML_Node *t, Out &) { return NDL_XML_AddAttr(t, "p", "name", "value"); }
+long set_value_ex(XML_Node *t, Out &) { return NDL_XML_SetNodeValueEx(t, XML_VAL_UINT32, &kSeven); }
+long set_attr_ex(XML_Node *t, Out &) { return NDL_XML_SetAttrValueEx(t, nullptr, "a", XML_VAL_UINT32, &kSeven); }
+long new_attr_ex(XML_Node *t, Out &) { return NDL_XML_SetAttrValueEx(t, "p", "n", XML_VAL_UINT32, &kSeven); }
+long buf_insert(XML_Node *, Out &out) { return buffer_after(XML_MemBufInsert(&g_buf, "ab", 2, 1000), out); }
+long buf_append(XML_Node *, Out &out) { return buffer_after(XML_MemBufAppendStr(&g_buf, "end"), out); }
+long buf_assign(XML_Node *, Out &out) { return buffer_after(XML_MemBufAssign(&g_buf, kLong.c_str(), 3000), out); }
 
-Outcome parse_file(long k, Attempt &a)
-{
-    const std::string path = sweep_file("sweep_parse.xml", "<r a='1'><c>t</c><d/></r>");
-    XML_Node *root = nullptr;
-    a = attempt(k, [&] { return NDL_XML_ParseFile(path.c_str(), &root); });
-    const std::string state = xmltest::describe_chain(root);
-    XML_FreeNode(root);
-    return {a.rc, state};
-}
+const char kDoc[] = "<r a='1'>old</r>";
+const char kNested[] = "<r a='1'><c x='2'><d>t</d></c></r>";
+const char kEscaped[] = "<r a='&quot;'><c>t&amp;u</c><d/></r>";
+const char kWritten[] = "<r a=\"&quot;\">\n<c>t&amp;u</c>\n<d/>\n</r>\n|r{a=\"}[c(t&u),d]";
 
-Outcome transform(long k, Attempt &a)
-{
-    xmltest::Tree tree = xmltest::parse("<r a='&quot;'><c>t&amp;u</c><d/></r>");
-    char *text = nullptr;
-    a = attempt(k, [&] { return NDL_XML_Transform(tree.get(), &text); });
-    const std::string state = text != nullptr ? text : "null";
-    NDL_XML_FreeMem(text);
-    return {a.rc, state + "|" + describe(tree.get())};
-}
+const SweepCase kCases[] = {
+    {"NewNode", nullptr, new_node, kNoMemory, "null", 0, "attr"},
+    {"Strdup", nullptr, strdup_text, kNoMemory, "null", 0, "text"},
+    {"CreateNode", nullptr, create, kNoMemory, "", 0, "p:n(v)"},
+    {"NdlSetNodeFields", "<p:n>v</p:n>", set_node, kNoMemory, "|p:n(v)", 0, "|q:m(w)"},
+    {"SetAttr", kDoc, set_attr, kNoMemory, "|r{a=1}(old)", 0, "|r{a=new}(old)"},
+    {"AddAttr", kDoc, add_attr, kNoMemory, "|r{a=1}(old)", 0, "|r{a=1,p:name=value}(old)"},
+    // A typed write releases the old text first.
+    {"SetNodeValueEx", kDoc, set_value_ex, kNoMemory, "|r{a=1}", 0, "|r{a=1}(7)", false, 1},
+    {"SetAttrValueExExisting", kDoc, set_attr_ex, kNoMemory, "|r{a}(old)", 0, "|r{a=7}(old)", false, 1},
+    {"SetAttrValueExNew", kDoc, new_attr_ex, kNoMemory, "|r{a=1}(old)", 0, "|r{a=1,p:n=7}(old)"},
+    {"CloneNode", kNested, clone<NDL_XML_CloneNode>, kNoMemory, "|r{a=1}[c{x=2}[d(t)]]", 0,
+     "c{x=2}[d(t)]|r{a=1}[c{x=2}[d(t)]]"},
+    {"CloneNodeSelf", kNested, clone<NDL_XML_CloneNodeSelf>, kNoMemory, "|r{a=1}[c{x=2}[d(t)]]", 0,
+     "c{x=2}|r{a=1}[c{x=2}[d(t)]]"},
+    {"MemBufInsert", nullptr, buf_insert, kNoMemory, "1024:-:", 0, "1026:1000:ab", true},
+    {"MemBufAppendStr", nullptr, buf_append, kNoMemory, "1024:-:", 0, "1027:1024:end", true},
+    {"MemBufAssign", nullptr, buf_assign, kNoMemory, "1024:-:", 0, "3000:0:xxxxxxxx", true},
+    {"Parse", nullptr, parse, kNoMemory, "", 0, "p:r{a=1,q:b=<}[c(t&),d] + s", false, 0, XML_ERR_SYNTAX},
+    {"ParseFile", nullptr, parse_file, kNoMemory, "", 0, "r{a=1}[c(t),d]", false, 0, XML_ERR_SYNTAX},
+    {"Transform", kEscaped, transform, kNoMemory, "null|r{a=\"}[c(t&u),d]", 0, kWritten, true},
+    {"TransformFile", kEscaped, transform_file, kNoMemory, "old|r{a=\"}[c(t&u),d]", 0, kWritten, true},
+    {"GetNodeOrAttrExFromFile", nullptr, lookup_file, -1, "", 0, "2"},
+    {"National8bitSetting", nullptr, kv8bit_with_setting, 0, "1B6341", 0, "1B0941"},
+};
 
-template <uint32_t (*Clone)(const XML_Node *, XML_Node **)>
-Outcome clone(long k, Attempt &a)
-{
-    xmltest::Tree tree = xmltest::parse("<r a='1'><c x='2'><d>t</d></c></r>");
-    XML_Node *copy = nullptr;
-    a = attempt(k, [&] { return Clone(tree->firstChild, &copy); });
-    const std::string state = describe(copy) + "|" + describe(tree.get());
-    NDL_XML_FreeNode(copy);
-    return {a.rc, state};
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    EntryPoints, AllocationFailureSweep,
-    ::testing::Combine(::testing::Values(
-        SweepCase{"NewNode", new_node, {kNoMemory, "null"}, {0, "attr"}},
-        SweepCase{"Strdup", strdup_text, {kNoMemory, "null"}, {0, "text"}},
-        SweepCase{"CreateNode", create_node, {kNoMemory, "null"}, {0, "p:n(v)"}},
-        SweepCase{"NdlSetNodeFields",
-                  [](long k, Attempt &a) {
-                      return on_node(k, a, [](XML_Node *n) { return NDL_XML_SetNode(n, "q", "m", "w"); });
-                  },
-                  {kNoMemory, "p:n(v)"},
-                  {0, "q:m(w)"}},
-        SweepCase{"SetAttr",
-                  [](long k, Attempt &a) {
-                      return on_tree(k, a, [](XML_Node *r) { return NDL_XML_SetAttr(r, nullptr, "a", "new"); });
-                  },
-                  {kNoMemory, "r{a=1}(old)"},
-                  {0, "r{a=new}(old)"}},
-        // A typed write releases the old text first, as documented.
-        SweepCase{"SetNodeValueEx",
-                  [](long k, Attempt &a) {
-                      return on_tree(k, a, [](XML_Node *r) { return NDL_XML_SetNodeValueEx(r, XML_VAL_UINT32, &kSeven); });
-                  },
-                  {kNoMemory, "r{a=1}"},
-                  {0, "r{a=1}(7)"},
-                  false,
-                  1},
-        SweepCase{"SetAttrValueExExisting",
-                  [](long k, Attempt &a) {
-                      return on_tree(k, a, [](XML_Node *r) {
-                          return NDL_XML_SetAttrValueEx(r, nullptr, "a", XML_VAL_UINT32, &kSeven);
-                      });
-                  },
-                  {kNoMemory, "r{a}(old)"},
-                  {0, "r{a=7}(old)"},
-                  false,
-                  1},
-        SweepCase{"SetAttrValueExNew",
-                  [](long k, Attempt &a) {
-                      return on_tree(k, a, [](XML_Node *r) {
-                          return NDL_XML_SetAttrValueEx(r, "p", "n", XML_VAL_UINT32, &kSeven);
-                      });
-                  },
-                  {kNoMemory, "r{a=1}(old)"},
-                  {0, "r{a=1,p:n=7}(old)"}},
-        SweepCase{"MemBufInsert",
-                  [](long k, Attempt &a) {
-                      return on_buffer(k, a, [](XML_MemBuf *b) { return XML_MemBufInsert(b, "ab", 2, 1000); });
-                  },
-                  {kNoMemory, "1024:-:"},
-                  {0, "1026:1000:ab"},
-                  true},
-        SweepCase{"MemBufAppendStr",
-                  [](long k, Attempt &a) {
-                      return on_buffer(k, a, [](XML_MemBuf *b) { return XML_MemBufAppendStr(b, "end"); });
-                  },
-                  {kNoMemory, "1024:-:"},
-                  {0, "1027:1024:end"},
-                  true},
-        SweepCase{"MemBufAssign",
-                  [](long k, Attempt &a) {
-                      return on_buffer(k, a, [](XML_MemBuf *b) { return XML_MemBufAssign(b, kLong.c_str(), 3000); });
-                  },
-                  {kNoMemory, "1024:-:"},
-                  {0, "3000:0:xxxxxxxx"},
-                  true},
-        // The text is built before the file is opened: a failure leaves it alone.
-        SweepCase{"TransformFile", transform_file, {kNoMemory, "old"},
-                  {0, "<r a=\"&quot;\">\n<c>t&amp;u</c>\n<d/>\n</r>\n"},
-                  true},
-        SweepCase{"GetNodeOrAttrExFromFile",
-                  [](long k, Attempt &a) {
-                      return lookup_file(k, a, [](const char *f, char *out) {
-                          return NDL_XML_GetNodeOrAttrEx(f, "configuration.FEATURE_SMS.lang_table", out, 32);
-                      });
-                  },
-                  {-1, ""},
-                  {0, "2"}},
-        SweepCase{"Parse", parse_text, {kNoMemory, ""}, {0, "p:r{a=1,q:b=<}[c(t&),d] + s"}, false, 0, XML_ERR_SYNTAX},
-        SweepCase{"ParseFile", parse_file, {kNoMemory, ""}, {0, "r{a=1}[c(t),d]"}, false, 0, XML_ERR_SYNTAX},
-        SweepCase{"Transform", transform, {kNoMemory, "null|r{a=\"}[c(t&u),d]"},
-                  {0, "<r a=\"&quot;\">\n<c>t&amp;u</c>\n<d/>\n</r>\n|r{a=\"}[c(t&u),d]"}, true},
-        SweepCase{"AddAttr",
-                  [](long k, Attempt &a) {
-                      return on_tree(k, a, [](XML_Node *r) { return NDL_XML_AddAttr(r, "p", "name", "value"); });
-                  },
-                  {kNoMemory, "r{a=1}(old)"},
-                  {0, "r{a=1,p:name=value}(old)"}},
-        SweepCase{"CloneNode", clone<NDL_XML_CloneNode>, {kNoMemory, "null|r{a=1}[c{x=2}[d(t)]]"},
-                  {0, "c{x=2}[d(t)]|r{a=1}[c{x=2}[d(t)]]"}},
-        SweepCase{"CloneNodeSelf", clone<NDL_XML_CloneNodeSelf>, {kNoMemory, "null|r{a=1}[c{x=2}[d(t)]]"},
-                  {0, "c{x=2}|r{a=1}[c{x=2}[d(t)]]"}},
-        SweepCase{"National8bitSetting", kv8bit_with_setting, {0, "1b6341"}, {0, "1b0941"}}),
-    ::testing::Bool()),
-    [](const ::testing::TestParamInfo<std::tuple<SweepCase, bool>> &info) {
-        return std::string(std::get<0>(info.param).name) + (std::get<1>(info.param) ? "_FromThenOn" : "_Once");
-    });
+INSTANTIATE_TEST_SUITE_P(EntryPoints, AllocationFailureSweep,
+                         ::testing::Combine(::testing::ValuesIn(kCases), ::testing::Bool()),
+                         [](const ::testing::TestParamInfo<std::tuple<SweepCase, bool>> &info) {
+                             return std::string(std::get<0>(info.param).name) +
+                                    (std::get<1>(info.param) ? "_FromThenOn" : "_Once");
+                         });
 
 }  // namespace
