@@ -20,18 +20,20 @@ std::size_t pack_septets(std::span<const std::uint8_t> septets, unsigned fill, s
     std::uint32_t acc = fill != 0 ? out[0] : 0;
     unsigned bits = fill;
     std::size_t pos = 0;
-    for (const std::uint8_t septet : septets) {
+    // The septets whose whole octets fit; packing stops at the first octet
+    // that does not.
+    const std::size_t fitting = std::min(septets.size(), (8 * out.size() + 7 - fill) / 7);
+    for (const std::uint8_t septet : septets.first(fitting)) {
         acc |= static_cast<std::uint32_t>(septet & 0x7F) << bits;
         bits += 7;
         // Seven bits in, so at most one whole octet out.
         if (bits >= 8) {
-            if (pos == out.size()) return pos;
             out[pos++] = static_cast<std::uint8_t>(acc);
             acc >>= 8;
             bits -= 8;
         }
     }
-    if (bits > 0 && pos < out.size()) out[pos++] = static_cast<std::uint8_t>(acc);
+    if (fitting == septets.size() && bits > 0 && pos < out.size()) out[pos++] = static_cast<std::uint8_t>(acc);
     return pos;
 }
 
