@@ -2,6 +2,7 @@
 // PDU octets as the modem's hexadecimal text.
 #include <cstring>
 
+#include "common/hex_text.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
 
@@ -34,32 +35,18 @@ SMSUTIL_API int32_t DecodeAddress(const wms_address *address, char *pszAddr, uin
 
 SMSUTIL_API void BcdToAscii(char *out, const uint8_t *in, uint32_t count)
 {
-    static constexpr char kHex[] = "0123456789abcdef";
     if (out == nullptr) return;
-    if (in != nullptr) {
-        for (uint32_t i = 0; i < count; ++i) {
-            *out++ = kHex[in[i] >> 4];
-            *out++ = kHex[in[i] & 0x0F];
-        }
-    }
+    if (in != nullptr) out = smsutil::common::put_hex(out, in, count);
     *out = '\0';
 }
 
 }  // extern "C"
-
-namespace {
-uint8_t nibble(char c)
-{
-    if (c >= 'A' && c <= 'F') return static_cast<uint8_t>(c - 'A' + 10);
-    if (c >= 'a' && c <= 'f') return static_cast<uint8_t>(c - 'a' + 10);
-    return static_cast<uint8_t>(static_cast<unsigned char>(c) & 0x0F);
-}
-}  // namespace
 
 extern "C" SMSUTIL_API void AsciiToBcd(uint8_t *out, const char *in, uint32_t count)
 {
     if (out == nullptr || in == nullptr) return;
     // Characters go in pairs: an odd count takes the character after the
     // last one as its low nibble (for a whole string, the terminator: 0).
-    for (uint32_t i = 0; i < count; i += 2) *out++ = static_cast<uint8_t>((nibble(in[i]) << 4) | nibble(in[i + 1]));
+    using smsutil::common::nibble_of;
+    for (uint32_t i = 0; i < count; i += 2) *out++ = static_cast<uint8_t>((nibble_of(in[i]) << 4) | nibble_of(in[i + 1]));
 }

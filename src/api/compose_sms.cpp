@@ -43,9 +43,9 @@ int32_t prepare_ucs2(const SmsMessage &in, SmsMessageData &msg)
         return ret;
     }
     std::memcpy(msg.SmsData, units, sizeof msg.SmsData - 1);
-    const int32_t u = sms_wcslen(units);
-    const int32_t c = MultiByte_WideChar(in.content);
-    SMS_TRACE_AS(kComposeSms, "The length of UCS2 is %d\n\n", 2 * u);
+    // The conversion counted the characters already.
+    const int32_t c = ret;
+    SMS_TRACE_AS(kComposeSms, "The length of UCS2 is %d\n\n", 2 * sms_wcslen(units));
     SMS_TRACE_AS(kComposeSms, "The length of utf8_char_length is %d\n\n", 2 * c);
     msg.dwLength = static_cast<uint32_t>(2 * c);
     if (in.sms_flag_type == 1 && c > kMaxUcs2Long) {
@@ -84,8 +84,7 @@ SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *
                                      uint32_t *pdwErrCode)
 {
     if (msg == nullptr || PstSendOrWriteMsg == nullptr || out == nullptr || pdwErrCode == nullptr) return -1;
-    wms_gw_submit submit;
-    std::memset(&submit, 0, sizeof submit);
+    wms_gw_submit submit;  // cleared by ConstructSubmitSms
     int32_t ret = ConstructSubmitSms(msg, PstSendOrWriteMsg, &submit);
     if (ret != 0) {
         SMS_TRACE("ConstructSubmitSms function run unsuccessfully!\n\n");

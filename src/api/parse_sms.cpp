@@ -183,8 +183,9 @@ extern "C" SMSUTIL_API int32_t ParseSms(SmsReadPdu *pInputSms, SmsMessage *pOutp
     }
     raw.tpdu_type = mti;
 
+    // Not cleared here: each extraction step clears it before filling it,
+    // and a step that fails leaves nothing that is read.
     SmsMessageData msg;
-    std::memset(&msg, 0, sizeof msg);
     switch (pInputSms->state) {
     case 2:
     case 3:

@@ -3,7 +3,10 @@
 #include <cstring>
 
 #include "charset/gsm7_tables.hpp"
+#include "charset/utf8_sequence.hpp"
+#include "common/octets.hpp"
 #include "common/trace.hpp"
+#include "smsutil/wms_ts.h"
 
 namespace {
 
@@ -14,6 +17,33 @@ constexpr int32_t kUcs2WorkUnits = 513;
 constexpr uint32_t kMaxUnits = kUcs2WorkUnits - 1;
 // The in-place buffer of a received text.
 constexpr uint32_t kTextBufferSize = 513;
+
+// The usual received text in one pass: codes of the default alphabet (and
+// the language's table behind an escape) straight to UTF-8, without the
+// UCS-2 step.  Anything out of the ordinary (a code without a character, a
+// dangling escape, a locking shift, a text longer than the buffer) returns
+// false and is left to the general conversion, which reports it.
+bool direct_to_utf8(const uint8_t *codes, uint32_t count, uint32_t coding, uint32_t lang_shift,
+                    smsutil::common::OctetWriter &out)
+{
+    if (lang_shift == WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT) return false;
+    const auto &main_row = g_GSM_7BitTable[GSM7_CODING_DEFAULT];
+    const auto &ext_row = g_GSM_7BitExtTable[decoding_row(coding)];
+    for (uint32_t i = 0; i < count; ++i) {
+        uint8_t code = codes[i];
+        const auto *row = &main_row;
+        if (code == kEscape) {
+            if (++i >= count) return false;
+            code = codes[i];
+            row = &ext_row;
+        }
+        const uint32_t value = code < kCodeCount ? (*row)[code] : kNoCharacter;
+        // A zero unit would end the text early; the general path keeps that.
+        if (value == 0 || value >= kNoCharacter) return false;
+        if (!put_utf8(out, static_cast<uint16_t>(value))) return false;
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -67,7 +97,20 @@ extern "C" SMSUTIL_API int32_t BIT7_TO_UTF8(const uint8_t *p7Bit, int32_t iInput
 extern "C" SMSUTIL_API int32_t handle_input_sms_7bit_to_utf8(uint8_t *pText, uint32_t dwInputLen, uint32_t coding,
                                                              uint32_t lang_shift, uint32_t *pdwOutputLen)
 {
-    uint16_t ucs2[kUcs2WorkUnits + 1] = {};
+    uint8_t direct[kTextBufferSize - 1];
+    smsutil::common::OctetWriter writer(direct, sizeof direct);
+    if (direct_to_utf8(pText, dwInputLen, coding, lang_shift, writer)) {
+        // What the general conversion reports on its way to the same text.
+        SMS_TRACE_AS("gsm7_to_unicode", "WMS_UDH_NATIONAL_LANGUAGE_SINGLE_SHIFT == lang_shift\n\n");
+        SMS_TRACE_AS("gsm7_to_unicode", "dwInputLen = [%d] \n\n", static_cast<int>(dwInputLen));
+        std::memset(pText, 0, kTextBufferSize);
+        std::memcpy(pText, direct, writer.position());
+        if (pdwOutputLen != nullptr) *pdwOutputLen = static_cast<uint32_t>(writer.position());
+        return 0;
+    }
+    // Not cleared: the conversion terminates what it wrote, and nothing
+    // past that is read.
+    uint16_t ucs2[kUcs2WorkUnits + 1];
     uint32_t units = 0;
     if (gsm7_to_unicode(pText, dwInputLen, coding, lang_shift, ucs2, kUcs2WorkUnits, &units) != 0) {
         SMS_TRACE("gsm7_to_unicode() failed\n\n");

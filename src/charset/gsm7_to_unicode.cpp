@@ -1,5 +1,7 @@
 // 7-bit codes of a received message to UCS-2, under the national language
 // and shift kind its user data header announced.
+#include <cstdint>
+
 #include "charset/gsm7_tables.hpp"
 #include "common/trace.hpp"
 #include "smsutil/wms_ts.h"
@@ -13,31 +15,37 @@ constexpr const char *kName = "gsm7_to_unicode";
 // Where the next unit goes: a capacity of 0 only counts, and a negative
 // one behaves as a full buffer from the start.
 struct UnitSink {
-    std::uint16_t *units;
-    std::int32_t capacity;
+    UnitSink(std::uint16_t *buffer, std::int32_t capacity)
+        : units(capacity > 0 ? buffer : nullptr),
+          limit(capacity == 0 ? UINT32_MAX : capacity < 0 ? 0 : static_cast<std::uint32_t>(capacity))
+    {
+    }
+
+    std::uint16_t *units;  // null when only counting
+    std::uint32_t limit;
     std::uint32_t count = 0;
 
-    bool full() const { return capacity != 0 && static_cast<std::int64_t>(count) >= capacity; }
+    bool full() const { return count >= limit; }
     void append(std::uint32_t value)
     {
-        if (capacity > 0) units[count] = static_cast<std::uint16_t>(value);
+        if (units != nullptr) units[count] = static_cast<std::uint16_t>(value);
         ++count;
     }
     void terminate()
     {
-        if (capacity > 0) units[count] = 0;
+        if (units != nullptr) units[count] = 0;
     }
 };
 
 // A character of a main row.  Both shift kinds refuse a corrupt code, a
 // code without a character and a full buffer alike.
-bool append_main_row(UnitSink &out, std::uint32_t coding, std::uint8_t code)
+bool append_main_row(UnitSink &out, const std::uint32_t (&row)[kCodeCount], std::uint8_t code)
 {
     if (code > kHighestAcceptedCode) {
         SMS_TRACE_AS(kName, "pGSM_7Data[i] > 128\n\n");
         return false;
     }
-    const std::uint32_t value = gsm7_value(g_GSM_7BitTable, coding, code);
+    const std::uint32_t value = code < kCodeCount ? row[code] : kNoCharacter;
     if (value == kNoCharacter) {
         SMS_TRACE_AS(kName, "0xFFFF == wIndex\n\n");
         return false;
@@ -66,7 +74,7 @@ extern "C" SMSUTIL_API int32_t gsm7_to_unicode(const uint8_t *pGSM_7Data, uint32
     }
     if (pdwOutputLen != nullptr) *pdwOutputLen = 0;
 
-    UnitSink out{pUnicodeData, dwBufLen};
+    UnitSink out(pUnicodeData, dwBufLen);
     if (lang_shift == WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT) {
         SMS_TRACE("WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT == lang_shift\n\n");
         // Only Turkish has a locking shift table.  The escape is not special
@@ -76,7 +84,7 @@ extern "C" SMSUTIL_API int32_t gsm7_to_unicode(const uint8_t *pGSM_7Data, uint32
             return -1;
         }
         for (uint32_t i = 0; i < dwInputLen; ++i)
-            if (!append_main_row(out, TURKISH_SMS, pGSM_7Data[i])) return -1;
+            if (!append_main_row(out, g_GSM_7BitTable[TURKISH_SMS], pGSM_7Data[i])) return -1;
     } else {
         // Single shift, also for a text without a national language element:
         // the default alphabet, with the language's table behind the escape.
@@ -84,7 +92,7 @@ extern "C" SMSUTIL_API int32_t gsm7_to_unicode(const uint8_t *pGSM_7Data, uint32
         SMS_TRACE("dwInputLen = [%d] \n\n", static_cast<int>(dwInputLen));
         for (uint32_t i = 0; i < dwInputLen; ++i) {
             if (pGSM_7Data[i] != kEscape) {
-                if (!append_main_row(out, GSM7_CODING_DEFAULT, pGSM_7Data[i])) return -1;
+                if (!append_main_row(out, g_GSM_7BitTable[GSM7_CODING_DEFAULT], pGSM_7Data[i])) return -1;
                 continue;
             }
             if (++i >= dwInputLen) {

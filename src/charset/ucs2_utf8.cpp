@@ -9,26 +9,11 @@
 
 namespace {
 
+using smsutil::charset::put_utf8;
 using smsutil::charset::utf8_sequence_length;
 using smsutil::common::OctetWriter;
 
 constexpr std::size_t utf8_length_of(uint16_t unit) { return unit <= 0x7F ? 1 : unit <= 0x7FF ? 2 : 3; }
-
-// Surrogate units get no special treatment: each is a three-byte sequence
-// of its own, since the text model has no pairs.
-bool put_utf8(OctetWriter &out, uint16_t u)
-{
-    if (u <= 0x7F) return out.put(static_cast<uint8_t>(u));
-    if (u <= 0x7FF) {
-        const std::array<uint8_t, 2> seq{static_cast<uint8_t>(0xC0 | (u >> 6)),
-                                         static_cast<uint8_t>(0x80 | (u & 0x3F))};
-        return out.put(seq);
-    }
-    const std::array<uint8_t, 3> seq{static_cast<uint8_t>(0xE0 | (u >> 12)),
-                                     static_cast<uint8_t>(0x80 | ((u >> 6) & 0x3F)),
-                                     static_cast<uint8_t>(0x80 | (u & 0x3F))};
-    return out.put(seq);
-}
 
 // The unit of one complete sequence of `length` bytes.
 uint16_t decode_utf8(const unsigned char *s, std::size_t length)

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/octets.hpp"
+
 namespace smsutil::charset {
 
 inline constexpr std::size_t kMaxUtf8Sequence = 3;
@@ -28,6 +30,25 @@ constexpr std::size_t utf8_sequence_length(const unsigned char *text)
 inline std::size_t utf8_sequence_length(const char *text)
 {
     return utf8_sequence_length(reinterpret_cast<const unsigned char *>(text));
+}
+
+// One unit as UTF-8, all or nothing.  Surrogate units get no special
+// treatment: each is a three-byte sequence of its own, since the text model
+// has no pairs.
+inline bool put_utf8(common::OctetWriter &out, std::uint16_t u)
+{
+    if (u <= 0x7F) return out.put(static_cast<std::uint8_t>(u));
+    const std::size_t length = u <= 0x7FF ? 2 : 3;
+    if (!out.has_room(length)) return false;
+    const auto seq = out.unwritten();
+    if (length == 2) {
+        seq[0] = static_cast<std::uint8_t>(0xC0 | (u >> 6));
+    } else {
+        seq[0] = static_cast<std::uint8_t>(0xE0 | (u >> 12));
+        seq[1] = static_cast<std::uint8_t>(0x80 | ((u >> 6) & 0x3F));
+    }
+    seq[length - 1] = static_cast<std::uint8_t>(0x80 | (u & 0x3F));
+    return out.advance(length);
 }
 
 }  // namespace smsutil::charset

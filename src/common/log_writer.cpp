@@ -50,6 +50,16 @@ void log_write(const char *path, const char *text, std::size_t len)
     ::close(fd);
 }
 
+void log_write_line(const char *path, char *line, std::size_t len)
+{
+    if (len > kLineFormatSize - 1) len = kLineFormatSize - 1;
+    if (len > 0 && line[len - 1] != '\n') {
+        line[len++] = '\n';
+        line[len] = '\0';
+    }
+    log_write(path, line, len);
+}
+
 std::int32_t log_byte_count()
 {
     std::lock_guard<std::mutex> lock(g_log_mutex);

@@ -1,14 +1,12 @@
 // The one place that builds a diagnostic log line.  Every reporting
 // function goes through SMS_TRACE so the "[name: line]:" prefix, the
-// 2048-byte bound and the literal hand-over to _smslog cannot drift apart.
+// 2048-byte bound and the newline rule of _smslog cannot drift apart.
 #pragma once
 
 #include <cstdarg>
 #include <cstdint>
 
 namespace smsutil::common {
-
-inline constexpr std::size_t kTraceLineSize = 2048;
 
 // Formats "[%16s: %4d]:" + message and writes it at level 1.
 void trace_line(const char *func, int line, const char *format, ...)

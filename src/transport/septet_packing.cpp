@@ -14,26 +14,26 @@ constexpr unsigned fill_of_start_code(unsigned start_code) { return start_code =
 std::size_t pack_septets(std::span<const std::uint8_t> septets, unsigned fill, std::span<std::uint8_t> out)
 {
     fill %= 7;
-    std::size_t pos = 0;
+    if (out.empty()) return 0;
     // The caller has cleared the fill bits of the first octet; anything it
     // keeps there (they belong to the octet before the text) is preserved.
-    auto emit = [&](std::uint32_t octet) {
-        if (pos >= out.size()) return false;
-        const auto v = static_cast<std::uint8_t>(octet & 0xFF);
-        out[pos] = (pos == 0 && fill != 0) ? static_cast<std::uint8_t>(out[0] | v) : v;
-        ++pos;
-        return true;
-    };
-    std::uint32_t acc = 0;
+    std::uint32_t acc = fill != 0 ? out[0] : 0;
     unsigned bits = fill;
-    for (const std::uint8_t septet : septets) {
+    std::size_t pos = 0;
+    // The septets whose whole octets fit; packing stops at the first octet
+    // that does not.
+    const std::size_t fitting = std::min(septets.size(), (8 * out.size() + 7 - fill) / 7);
+    for (const std::uint8_t septet : septets.first(fitting)) {
         acc |= static_cast<std::uint32_t>(septet & 0x7F) << bits;
         bits += 7;
-        for (; bits >= 8; bits -= 8, acc >>= 8) {
-            if (!emit(acc)) return pos;
+        // Seven bits in, so at most one whole octet out.
+        if (bits >= 8) {
+            out[pos++] = static_cast<std::uint8_t>(acc);
+            acc >>= 8;
+            bits -= 8;
         }
     }
-    if (bits > 0) emit(acc);
+    if (fitting == septets.size() && bits > 0 && pos < out.size()) out[pos++] = static_cast<std::uint8_t>(acc);
     return pos;
 }
 
@@ -41,16 +41,26 @@ std::size_t unpack_septets(std::span<const std::uint8_t> in, std::size_t count, 
                            std::span<std::uint8_t> out)
 {
     const std::size_t fill = fill_of_start_code(start_code);
-    const std::size_t wanted = std::min(count, out.size());
-    std::size_t stored = 0;
-    for (; stored < wanted; ++stored) {
-        const std::size_t bit = fill + 7 * stored;
-        const std::size_t first = bit / 8;
-        const std::size_t last = (bit + 6) / 8;
-        if (last >= in.size()) break;
-        std::uint32_t window = in[first];
-        if (last != first) window |= static_cast<std::uint32_t>(in[last]) << 8;
-        out[stored] = static_cast<std::uint8_t>((window >> (bit % 8)) & 0x7F);
+    // A septet is stored only when its last bit lies inside `in`.
+    const std::size_t available = 8 * in.size() >= fill ? (8 * in.size() - fill) / 7 : 0;
+    const std::size_t stored = std::min({count, out.size(), available});
+    // Octets are fed in as the next septet needs them, so none past the
+    // last stored septet's final octet is read.
+    std::size_t next = fill / 8;
+    std::uint32_t acc = 0;
+    unsigned bits = 0;
+    if (stored > 0) {
+        acc = in[next++] >> (fill % 8);
+        bits = 8 - fill % 8;
+    }
+    for (std::size_t i = 0; i < stored; ++i) {
+        if (bits < 7) {
+            acc |= static_cast<std::uint32_t>(in[next++]) << bits;
+            bits += 8;
+        }
+        out[i] = static_cast<std::uint8_t>(acc & 0x7F);
+        acc >>= 7;
+        bits -= 7;
     }
     const std::size_t end_bit = fill + 7 * stored;
     // A character that fills the high seven bits of the octet just read is

@@ -26,8 +26,11 @@ std::array<std::uint8_t, 6> fields_of(const wms_timestamp &t)
 
 bool in_range(std::uint8_t bcd, const FieldRange &range)
 {
-    std::uint8_t v = 0;
-    return wms_ts_bcd_to_int(bcd, &v) == 1 && v >= range.min && v <= range.max;
+    const unsigned high = bcd >> 4;
+    const unsigned low = bcd & 0x0F;
+    if (high > 9 || low > 9) return false;
+    const unsigned v = 10 * high + low;
+    return v >= range.min && v <= range.max;
 }
 
 }  // namespace

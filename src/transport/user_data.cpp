@@ -1,6 +1,7 @@
 // TP-UDL and TP-UD: the optional header, then GSM 7-bit text packed behind
 // fill bits, or 8-bit / UCS-2 data whose octet pairs are held swapped.
 #include <algorithm>
+#include <array>
 
 #include "common/trace.hpp"
 #include "transport/codec_internal.hpp"
@@ -61,9 +62,13 @@ std::size_t encode_octet_pairs(const wms_gw_user_data &data, std::size_t udl_at,
     for (std::size_t i = 0; i < n; i += 2) {
         const std::uint8_t high = i + 1 < WMS_MAX_LEN ? data.sm_data[i + 1] : 0;
         const std::uint8_t low = data.sm_data[i];
-        if (!out.put(high)) break;
+        const std::array<std::uint8_t, 2> pair{high, low};
+        // A pair that does not fit whole still sends its high octet.
+        if (!out.put(pair)) {
+            if (out.put(high)) SMS_TRACE_AS(kEncodeName, "%x\n", high);
+            break;
+        }
         SMS_TRACE_AS(kEncodeName, "%x\n", high);
-        if (!out.put(low)) break;
         SMS_TRACE_AS(kEncodeName, "%x\n", low);
     }
     return out.position() - udl_at;
