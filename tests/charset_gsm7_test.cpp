@@ -201,6 +201,7 @@ TEST(Gsm7Ascii, ConvertsBothWaysThroughRowZero)
     }
     EXPECT_EQ(sms_gsm7_to_ascii(nullptr, 1, out, 7, &len), -1);
     EXPECT_EQ(sms_gsm7_to_ascii(wide, -1, out, 7, &len), -1);
+    EXPECT_EQ(sms_gsm7_to_ascii(wide, 3, nullptr, 1, &len), -1);  // room announced, no buffer
 
     const auto *text = reinterpret_cast<const uint8_t *>("a`\n @{");
     EXPECT_EQ(sms_ascii_to_gsm7(text, 2, out, 4, &len), -1);

@@ -437,6 +437,9 @@ TEST_F(MemBuf, InsertAtPositions)
 TEST_F(MemBuf, SourceInsideTheBuffer)
 {
     ASSERT_EQ(XML_MemBufAssignStr(&buf_, "abcdef"), XML_OK);
+    ASSERT_EQ(XML_MemBufInsert(&buf_, buf_.data + 3, 2, 1), XML_OK);  // source behind the position
+    EXPECT_EQ(text(), "adebcdef");
+    ASSERT_EQ(XML_MemBufAssignStr(&buf_, "abcdef"), XML_OK);
     ASSERT_EQ(XML_MemBufInsert(&buf_, buf_.data + 1, 4, 3), XML_OK);
     EXPECT_EQ(text(), "abcbcdedef");
     ASSERT_EQ(XML_MemBufInsert(&buf_, buf_.data, 10, 0), XML_OK);
