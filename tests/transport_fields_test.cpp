@@ -192,6 +192,7 @@ struct ValidityCase {
 };
 
 class Validity : public ::testing::TestWithParam<ValidityCase> {};
+constexpr uint8_t kAbs = WMS_VP_ABSOLUTE;
 
 // Encoding writes the octets (only those before a bad field, for kRefused) and
 // nothing more; decoding into a record holding
@@ -216,11 +217,17 @@ TEST_P(Validity, EncodesToTheOctetsAndDecodesToTheRecord)
     back.format = c.format;
     EXPECT_EQ(wms_ts_decode_gw_validity(wire.data(), &back), n);
     EXPECT_EQ(bytes_of(back), bytes_of(v));
+    // An absolute validity is the time codec's field.
+    if (c.format == kAbs && c.way == kBoth) {
+        std::array<uint8_t, 7> direct{};
+        wms_timestamp t{};
+        EXPECT_EQ(wms_ts_encode_timestamp(&c.time, direct.data()) + wms_ts_decode_timestamp(wire.data(), &t), 14);
+        EXPECT_EQ(hex(direct.data(), 7) + bytes_of(t), c.wire + bytes_of(c.time));
+    }
 }
 
 const wms_timestamp kUntouched{0x33, 0x33, 0x33, 0x33, 0x33, 0x33, 0x33};
 constexpr uint8_t kRel = WMS_VP_RELATIVE;
-constexpr uint8_t kAbs = WMS_VP_ABSOLUTE;
 
 // Relative durations round up to the next step of their range; decoding
 // gives where a range starts.
