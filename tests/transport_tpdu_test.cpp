@@ -55,7 +55,8 @@ std::string fields(const wms_gw_submit &m)
 }
 std::string fields(const wms_gw_status_report &m)
 {
-    return std::to_string(m.more_msgs_to_send) + " mr " + std::to_string(m.message_reference) + " " +
+    return std::to_string(m.more_msgs_to_send) + std::to_string(m.status_report_qualifier) +
+           std::to_string(m.user_data_header_present) + " mr " + std::to_string(m.message_reference) + " " +
            address_of(m.address) + " " + time_of(m.timestamp) + " " + time_of(m.discharge_time) + " st " +
            std::to_string(m.tp_status) + " pi " + std::to_string(m.parameter_indicator) + " pid " +
            std::to_string(m.pid) + " " + dcs_of(m.dcs) + " " + user_data_of(m.user_data);
@@ -122,6 +123,22 @@ TEST(DeliverDecode, LongUserDataIsFilledAndReported)
     wms_gw_deliver msg{};
     EXPECT_EQ(wms_ts_decode_deliver(&raw, &msg), WMS_TS_STATUS_BAD_USER_DATA_LENGTH);
     EXPECT_EQ(+msg.user_data.sm_len, 142);
+}
+
+// Either pointer missing is refused before anything is read or written.
+TEST(TpduCodec, NullArgumentsAreRefused)
+{
+    const wms_raw_tpdu raw = raw_from_hex("11000B916407281553F80000AA0AE8329BFD4697D9EC37");
+    wms_raw_tpdu out{};
+    wms_gw_submit s{};
+    wms_gw_deliver d{};
+    wms_gw_status_report r{};
+    for (const auto status :
+         {wms_ts_decode_submit(nullptr, &s), wms_ts_decode_submit(&raw, nullptr), wms_ts_decode_deliver(nullptr, &d),
+          wms_ts_decode_deliver(&raw, nullptr), wms_ts_decode_status_report(nullptr, &r),
+          wms_ts_decode_status_report(&raw, nullptr), wms_ts_encode_submit(nullptr, &out),
+          wms_ts_encode_submit(&s, nullptr), wms_ts_encode_deliver(nullptr, &out), wms_ts_encode_deliver(&d, nullptr)})
+        EXPECT_NE(status, WMS_TS_STATUS_OK);
 }
 
 // A refused record leaves the octets before the bad field written, the rest
