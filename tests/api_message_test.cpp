@@ -1,7 +1,6 @@
 // Reading and composing whole messages through the message interface, and cutting text into packs.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <sstream>
@@ -210,10 +209,11 @@ TEST_F(ComposeSmsTest, RefusedNumbersLeaveTheOutputAlone)
     for (const auto &[address, sca, lines] : cases) {
         SetUp();
         text("hi", SMS_CONTENT_7BIT);
+        // Unterminated where the number fills the field.
         std::memset(msg_.szAddress, 0, sizeof msg_.szAddress);
         std::memset(msg_.sca, 0, sizeof msg_.sca);
-        std::memcpy(msg_.szAddress, address, std::min(std::strlen(address), sizeof msg_.szAddress));
-        std::memcpy(msg_.sca, sca, std::min(std::strlen(sca), sizeof msg_.sca));
+        std::memcpy(msg_.szAddress, address, std::strlen(address));
+        std::memcpy(msg_.sca, sca, std::strlen(sca));
         std::strcpy(out_.pdu, "untouched");
         EXPECT_EQ(ComposeSms(&msg_, &out_), -1) << address << " " << sca;
         EXPECT_STREQ(out_.pdu, "untouched");
