@@ -108,110 +108,93 @@ struct Store {
 struct Step {
     PartWanted part;
     uint64_t now;
-    int result;            // of the add, or the count expired when expire is set
-    const char *log = "";  // messages completed or handed over by this step
+    int result;  // of the add, or the count expired when expire is set
     bool expire = false;
 };
 
+constexpr int STORED = SMS_REASM_STORED, DONE = SMS_REASM_COMPLETE, REFUSED = SMS_REASM_REFUSED;
+
+// Each script ends with the messages completed or handed over, in order.
 struct Script {
     const char *name;
     uint32_t messages;
     std::vector<Step> steps;
+    const char *log;
 };
 
-class ReassemblyScript : public ::testing::TestWithParam<Script> {};
-
-TEST_P(ReassemblyScript, AnswersEveryStepAsExpected)
+TEST(Reassembly, ScriptedArrivals)
 {
-    Store s(GetParam().messages, 4, 16, 60);
-    int k = 0;
-    for (const Step &step : GetParam().steps) {
-        s.log.clear();
-        const int result = step.expire ? sms_reasm_expire(s.store, step.now) : s.add(step.part, step.now);
-        EXPECT_EQ(result, step.result) << "step " << k;
-        EXPECT_EQ(s.log, step.log) << "step " << k;
-        ++k;
+    // ED A0 BD and ED B8 80: the halves U+D83D and U+DE00 of U+1F600 as the
+    // message interface writes them, one three-byte sequence each.
+    const Script scripts[] = {
+        {"out of order, duplicate",
+         4,
+         {{{.number = 3, .text = "c"}, 5, STORED},
+          {{.number = 1, .text = "a"}, 6, STORED},
+          {{.number = 1, .text = "x"}, 7, SMS_REASM_DUPLICATE},
+          {{.number = 2, .text = "b"}, 8, DONE}},
+         "done +111 7: 'abc' 2001;"},
+        {"keys keep messages apart",
+         8,
+         {{{.total = 2, .number = 1, .text = "a"}, 0, STORED},
+          {{.from = "+222", .total = 2, .number = 1, .text = "x"}, 0, STORED},
+          {{.reference = 8, .total = 2, .number = 2, .text = "q"}, 0, STORED},
+          {{.total = 2, .number = 2, .text = "w", .bits = 16}, 0, STORED},
+          {{.total = 2, .number = 2, .text = "o", .kind = SMS_REASM_STORED_OUTGOING}, 0, STORED},
+          {{.total = 3, .number = 2, .text = "t"}, 0, STORED},
+          {{.from = "+222", .total = 2, .number = 2, .text = "y"}, 0, DONE},
+          {{.total = 2, .number = 2, .text = "b"}, 0, DONE}},
+         "done +222 7: 'xy' 2001;done +111 7: 'ab' 2001;"},
+        {"16-bit reference and an emoji cut between parts",
+         4,
+         {{{.reference = 0x1234, .total = 2, .number = 2, .text = "\xED\xB8\x80!", .bits = 16}, 0, STORED},
+          {{.reference = 0x1234, .total = 2, .number = 1, .text = "hi \xED\xA0\xBD", .bits = 16}, 0, DONE}},
+         "done +111 4660: 'hi \xF0\x9F\x98\x80!' 2001;"},
+        {"lone halves become replacement characters",
+         4,
+         {{{.text = "\xED\xB8\x80"
+                    "a\xED\xA0\xBD",
+            .concatenated = 0},
+           0,
+           DONE},
+          {{.number = 1, .text = "x\xED\xA0\xBD"}, 0, STORED},
+          {{.number = 3, .text = "\xED\xB8\x80y"}, 10, STORED},
+          {{}, 59, 0, true},
+          {{}, 60, 1, true}},
+         "done +111 0: '\xEF\xBF\xBD"
+         "a\xEF\xBF\xBD' 2001;expired +111 7 missing 2: 'x\xEF\xBF\xBD\xEF\xBF\xBDy' 2001;"},
+        {"a full store evicts the oldest",
+         2,
+         {{{.from = "+1", .total = 2, .number = 2, .text = "a2"}, 0, STORED},
+          {{.from = "+2", .total = 2, .number = 1, .text = "b1"}, 1, STORED},
+          {{.from = "+3", .total = 2, .number = 1, .text = "c1"}, 2, SMS_REASM_FULL},
+          {{.from = "+1", .total = 2, .number = 1, .text = "a1"}, 3, SMS_REASM_FULL},
+          {{.from = "+3", .total = 2, .number = 2, .text = "c2"}, 4, DONE}},
+         "evicted +1 7 missing 1: 'a2' 2002;evicted +2 7 missing 2: 'b1' 2001;done +3 7: 'c1c2' 2001;"},
+        // Four parts of at most 16 bytes each: each refusal changes nothing.
+        {"refused parts",
+         4,
+         {{{.number = 0}, 0, REFUSED},
+          {{.number = 4}, 0, REFUSED},
+          {{.total = 0, .number = 0}, 0, REFUSED},
+          {{.total = 5, .number = 5}, 0, REFUSED},
+          {{.text = "seventeen bytes.."}, 0, REFUSED},
+          {{.number = 1, .text = "sixteen bytes..."}, 0, STORED},
+          {{.number = 2, .text = "!"}, 0, REFUSED},
+          {{.number = 2, .text = ""}, 0, STORED},
+          {{.total = 1, .number = 1, .text = "single"}, 0, DONE}},
+         "done +111 7: 'single' 2001;"}};
+    for (const Script &script : scripts) {
+        SCOPED_TRACE(script.name);
+        Store s(script.messages, 4, 16, 60);
+        int k = 0;
+        for (const Step &step : script.steps) {
+            const int result = step.expire ? sms_reasm_expire(s.store, step.now) : s.add(step.part, step.now);
+            EXPECT_EQ(result, step.result) << "step " << k++;
+        }
+        EXPECT_EQ(s.log, script.log);
     }
 }
-
-// ED A0 BD and ED B8 80: the halves U+D83D and U+DE00 of U+1F600 as the
-// message interface writes them, one three-byte sequence each.
-INSTANTIATE_TEST_SUITE_P(
-    Arrivals, ReassemblyScript,
-    ::testing::Values(
-        Script{"OutOfOrderWithDuplicate",
-               4,
-               {{{.number = 3, .text = "c"}, 5, SMS_REASM_STORED},
-                {{.number = 1, .text = "a"}, 6, SMS_REASM_STORED},
-                {{.number = 1, .text = "x"}, 7, SMS_REASM_DUPLICATE},
-                {{.number = 2, .text = "b"}, 8, SMS_REASM_COMPLETE, "done +111 7: 'abc' 2001;"}}},
-        Script{
-            "KeysKeepMessagesApart",
-            8,
-            {{{.from = "+111", .total = 2, .number = 1, .text = "a"}, 0, SMS_REASM_STORED},
-             {{.from = "+222", .total = 2, .number = 1, .text = "x"}, 0, SMS_REASM_STORED},
-             {{.from = "+111", .reference = 8, .total = 2, .number = 2, .text = "q"}, 0, SMS_REASM_STORED},
-             {{.total = 2, .number = 2, .text = "w", .bits = 16}, 0, SMS_REASM_STORED},
-             {{.total = 2, .number = 2, .text = "o", .kind = SMS_REASM_STORED_OUTGOING}, 0, SMS_REASM_STORED},
-             {{.total = 3, .number = 2, .text = "t"}, 0, SMS_REASM_STORED},
-             {{.from = "+222", .total = 2, .number = 2, .text = "y"}, 0, SMS_REASM_COMPLETE, "done +222 7: 'xy' 2001;"},
-             {{.total = 2, .number = 2, .text = "b"}, 0, SMS_REASM_COMPLETE, "done +111 7: 'ab' 2001;"}}},
-        Script{"SixteenBitReference",
-               4,
-               {{{.reference = 0x1234, .total = 2, .number = 2, .text = "b", .bits = 16}, 0, SMS_REASM_STORED},
-                {{.reference = 0x1234, .total = 2, .number = 1, .text = "a", .bits = 16},
-                 0,
-                 SMS_REASM_COMPLETE,
-                 "done +111 4660: 'ab' 2001;"}}},
-        Script{"EmojiCutBetweenParts",
-               4,
-               {{{.total = 2, .number = 2, .text = "\xED\xB8\x80!"}, 0, SMS_REASM_STORED},
-                {{.total = 2, .number = 1, .text = "hi \xED\xA0\xBD"},
-                 0,
-                 SMS_REASM_COMPLETE,
-                 "done +111 7: 'hi \xF0\x9F\x98\x80!' 2001;"}}},
-        Script{"LoneHalvesBecomeReplacementCharacters",
-               4,
-               {{{.text = "\xED\xB8\x80"
-                          "a\xED\xA0\xBD",
-                  .concatenated = 0},
-                 0,
-                 SMS_REASM_COMPLETE,
-                 "done +111 0: '\xEF\xBF\xBD"
-                 "a\xEF\xBF\xBD' 2001;"},
-                {{.number = 1, .text = "x\xED\xA0\xBD"}, 0, SMS_REASM_STORED},
-                {{.number = 3, .text = "\xED\xB8\x80y"}, 10, SMS_REASM_STORED},
-                {{}, 59, 0, "", true},
-                {{}, 60, 1, "expired +111 7 missing 2: 'x\xEF\xBF\xBD\xEF\xBF\xBDy' 2001;", true}}},
-        Script{"FullStoreEvictsTheOldest",
-               2,
-               {{{.from = "+1", .total = 2, .number = 2, .text = "a2"}, 0, SMS_REASM_STORED},
-                {{.from = "+2", .total = 2, .number = 1, .text = "b1"}, 1, SMS_REASM_STORED},
-                {{.from = "+3", .total = 2, .number = 1, .text = "c1"},
-                 2,
-                 SMS_REASM_FULL,
-                 "evicted +1 7 missing 1: 'a2' 2002;"},
-                {{.from = "+1", .total = 2, .number = 1, .text = "a1"},
-                 3,
-                 SMS_REASM_FULL,
-                 "evicted +2 7 missing 2: 'b1' 2001;"},
-                {{.from = "+3", .total = 2, .number = 2, .text = "c2"},
-                 4,
-                 SMS_REASM_COMPLETE,
-                 "done +3 7: 'c1c2' 2001;"}}},
-        // Four parts of at most 16 bytes each: each refusal changes nothing.
-        Script{"RefusedParts",
-               4,
-               {{{.number = 0}, 0, SMS_REASM_REFUSED},
-                {{.number = 4}, 0, SMS_REASM_REFUSED},
-                {{.total = 0, .number = 0}, 0, SMS_REASM_REFUSED},
-                {{.total = 5, .number = 5}, 0, SMS_REASM_REFUSED},
-                {{.text = "seventeen bytes.."}, 0, SMS_REASM_REFUSED},
-                {{.number = 1, .text = "sixteen bytes..."}, 0, SMS_REASM_STORED},
-                {{.number = 2, .text = "!"}, 0, SMS_REASM_REFUSED},
-                {{.number = 2, .text = ""}, 0, SMS_REASM_STORED},
-                {{.total = 1, .number = 1, .text = "single"}, 0, SMS_REASM_COMPLETE, "done +111 7: 'single' 2001;"}}}),
-    [](const auto &info) { return std::string(info.param.name); });
 
 TEST(Reassembly, StorageIsCheckedBeforeUse)
 {
