@@ -1,13 +1,19 @@
 // The long-message store: scripted arrivals (order, duplicates, keys,
-// surrogate pairs cut between parts, expiry, eviction, refusals), its
-// bounds, the saved state and the records of the message interface.
+// surrogate pairs cut between parts, expiry, eviction, refusals, saved
+// state; tests/data/reassembly_scripts.txt), its bounds, damaged and forged
+// states and the records of the message interface.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <random>
+#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "../fuzz/reassembly_driver.hpp"
@@ -17,36 +23,8 @@
 
 namespace {
 
-struct PartWanted {
-    const char *from = "+111";
-    uint16_t reference = 7;
-    uint8_t total = 3;
-    uint8_t number = 1;
-    const char *text = "";
-    uint8_t bits = 8;
-    uint8_t kind = SMS_REASM_RECEIVED;
-    uint8_t concatenated = 1;
-};
-
-sms_reasm_part make_part(const PartWanted &wanted)
-{
-    sms_reasm_part part;
-    std::memset(&part, 0, sizeof part);
-    part.kind = wanted.kind;
-    part.concatenated = wanted.concatenated;
-    part.reference_bits = wanted.bits;
-    part.reference = wanted.reference;
-    part.total = wanted.total;
-    part.number = wanted.number;
-    std::strcpy(part.address, wanted.from);
-    part.time.year = static_cast<uint16_t>(2000 + wanted.number);
-    part.text = wanted.text;
-    part.text_length = static_cast<uint32_t>(std::strlen(wanted.text));
-    return part;
-}
-
-// "done +111 7: 'abc'", "expired +111 7 missing 2: 'ac'": what a test expects
-// to see of a message, in one line.
+// "done +111 7: 'abc' 2001", "expired +111 7 missing 2: 'ac' 2001": a message
+// in one line, with the year of the part whose time stamp it kept.
 std::string describe(const char *what, const sms_reasm_message &m)
 {
     std::string line = std::string(what) + " " + m.address + " " + std::to_string(m.reference);
@@ -54,7 +32,7 @@ std::string describe(const char *what, const sms_reasm_message &m)
         line += " missing";
         for (unsigned k = 0; k < m.missing_count; ++k) line += " " + std::to_string(m.missing[k]);
     }
-    return line + ": '" + std::string(m.text, m.text_length) + "' " + std::to_string(m.time.year) + ";";
+    return line + ": '" + std::string(m.text, m.text_length) + "' " + std::to_string(m.time.year) + "\n";
 }
 
 struct Store {
@@ -73,12 +51,25 @@ struct Store {
         ++self->handed_over;
         if (self->describing) self->log += describe(names[reason], *m);
     }
-    int add(const PartWanted &wanted, uint64_t now = 0)
+    int add(const sms_reasm_part &part, uint64_t now = 0)
     {
-        const sms_reasm_part part = make_part(wanted);
         const int result = sms_reasm_add(store, &part, now, &out);
         if (result == SMS_REASM_COMPLETE && describing) log += describe("done", out);
         return result;
+    }
+    // A received part of a three-part message under reference 7.
+    int add(const char *from, uint8_t number, const char *text, uint64_t now = 0)
+    {
+        return add(part(from, 7, 8, number, 3, SMS_REASM_RECEIVED, 1, text), now);
+    }
+    static sms_reasm_part part(const std::string &from, uint16_t reference, uint8_t bits, uint8_t number, uint8_t total,
+                               uint8_t kind, uint8_t concatenated, const char *text)
+    {
+        sms_reasm_part p = {kind,      concatenated, bits, total, number, 0,
+                            reference, {},           {},   {},    text,   static_cast<uint32_t>(std::strlen(text))};
+        std::strcpy(p.address, from.c_str());
+        p.time.year = static_cast<uint16_t>(2000 + number);
+        return p;
     }
     std::vector<uint8_t> saved(uint64_t now) const
     {
@@ -86,13 +77,14 @@ struct Store {
         size_t written = 0;
         EXPECT_EQ(sms_reasm_save_state(store, now, image.data(), image.size(), &written), 0);
         EXPECT_EQ(written, image.size());
+        EXPECT_EQ(sms_reasm_save_state(store, now, image.data(), image.size() - 1, &written), SMS_REASM_ERR_TOO_SMALL);
         return image;
     }
-    sms_reasm_stats stats() const
+    uint32_t pending() const
     {
         sms_reasm_stats s{};
         sms_reasm_get_stats(store, &s);
-        return s;
+        return s.pending_messages;
     }
 
     sms_reasm_config config{};
@@ -105,95 +97,73 @@ struct Store {
     int handed_over = 0;
 };
 
-struct Step {
-    PartWanted part;
-    uint64_t now;
-    int result;  // of the add, or the count expired when expire is set
-    bool expire = false;
-};
-
-constexpr int STORED = SMS_REASM_STORED, DONE = SMS_REASM_COMPLETE, REFUSED = SMS_REASM_REFUSED;
-
-// Each script ends with the messages completed or handed over, in order.
-struct Script {
-    const char *name;
-    uint32_t messages;
-    std::vector<Step> steps;
-    const char *log;
-};
+std::string unescape(const std::string &s)
+{
+    std::string out;
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        const bool escape = s.compare(i, 2, "\\x") == 0 && i + 3 < s.size();
+        out += escape ? static_cast<char>(std::stoi(s.substr(i + 2, 2), nullptr, 16)) : s[i];
+        i += escape ? 3 : 0;
+    }
+    return out;
+}
 
 TEST(Reassembly, ScriptedArrivals)
 {
-    // ED A0 BD and ED B8 80: the halves U+D83D and U+DE00 of U+1F600 as the
-    // message interface writes them, one three-byte sequence each.
-    const Script scripts[] = {
-        {"out of order, duplicate",
-         4,
-         {{{.number = 3, .text = "c"}, 5, STORED},
-          {{.number = 1, .text = "a"}, 6, STORED},
-          {{.number = 1, .text = "x"}, 7, SMS_REASM_DUPLICATE},
-          {{.number = 2, .text = "b"}, 8, DONE}},
-         "done +111 7: 'abc' 2001;"},
-        {"keys keep messages apart",
-         8,
-         {{{.total = 2, .number = 1, .text = "a"}, 0, STORED},
-          {{.from = "+222", .total = 2, .number = 1, .text = "x"}, 0, STORED},
-          {{.reference = 8, .total = 2, .number = 2, .text = "q"}, 0, STORED},
-          {{.total = 2, .number = 2, .text = "w", .bits = 16}, 0, STORED},
-          {{.total = 2, .number = 2, .text = "o", .kind = SMS_REASM_STORED_OUTGOING}, 0, STORED},
-          {{.total = 3, .number = 2, .text = "t"}, 0, STORED},
-          {{.from = "+222", .total = 2, .number = 2, .text = "y"}, 0, DONE},
-          {{.total = 2, .number = 2, .text = "b"}, 0, DONE}},
-         "done +222 7: 'xy' 2001;done +111 7: 'ab' 2001;"},
-        {"16-bit reference and an emoji cut between parts",
-         4,
-         {{{.reference = 0x1234, .total = 2, .number = 2, .text = "\xED\xB8\x80!", .bits = 16}, 0, STORED},
-          {{.reference = 0x1234, .total = 2, .number = 1, .text = "hi \xED\xA0\xBD", .bits = 16}, 0, DONE}},
-         "done +111 4660: 'hi \xF0\x9F\x98\x80!' 2001;"},
-        {"lone halves become replacement characters",
-         4,
-         {{{.text = "\xED\xB8\x80"
-                    "a\xED\xA0\xBD",
-            .concatenated = 0},
-           0,
-           DONE},
-          {{.number = 1, .text = "x\xED\xA0\xBD"}, 0, STORED},
-          {{.number = 3, .text = "\xED\xB8\x80y"}, 10, STORED},
-          {{}, 59, 0, true},
-          {{}, 60, 1, true}},
-         "done +111 0: '\xEF\xBF\xBD"
-         "a\xEF\xBF\xBD' 2001;expired +111 7 missing 2: 'x\xEF\xBF\xBD\xEF\xBF\xBDy' 2001;"},
-        {"a full store evicts the oldest",
-         2,
-         {{{.from = "+1", .total = 2, .number = 2, .text = "a2"}, 0, STORED},
-          {{.from = "+2", .total = 2, .number = 1, .text = "b1"}, 1, STORED},
-          {{.from = "+3", .total = 2, .number = 1, .text = "c1"}, 2, SMS_REASM_FULL},
-          {{.from = "+1", .total = 2, .number = 1, .text = "a1"}, 3, SMS_REASM_FULL},
-          {{.from = "+3", .total = 2, .number = 2, .text = "c2"}, 4, DONE}},
-         "evicted +1 7 missing 1: 'a2' 2002;evicted +2 7 missing 2: 'b1' 2001;done +3 7: 'c1c2' 2001;"},
-        // Four parts of at most 16 bytes each: each refusal changes nothing.
-        {"refused parts",
-         4,
-         {{{.number = 0}, 0, REFUSED},
-          {{.number = 4}, 0, REFUSED},
-          {{.total = 0, .number = 0}, 0, REFUSED},
-          {{.total = 5, .number = 5}, 0, REFUSED},
-          {{.text = "seventeen bytes.."}, 0, REFUSED},
-          {{.number = 1, .text = "sixteen bytes..."}, 0, STORED},
-          {{.number = 2, .text = "!"}, 0, REFUSED},
-          {{.number = 2, .text = ""}, 0, STORED},
-          {{.total = 1, .number = 1, .text = "single"}, 0, DONE}},
-         "done +111 7: 'single' 2001;"}};
-    for (const Script &script : scripts) {
-        SCOPED_TRACE(script.name);
-        Store s(script.messages, 4, 16, 60);
-        int k = 0;
-        for (const Step &step : script.steps) {
-            const int result = step.expire ? sms_reasm_expire(s.store, step.now) : s.add(step.part, step.now);
-            EXPECT_EQ(result, step.result) << "step " << k++;
+    // Results by name: those of an add are 0 to 5 in this order, those of a load 0 or an error.
+    const std::vector<std::string> names = {"stored", "done", "duplicate", "refused", "full", "too_long"};
+    const auto code = [&names](const std::string &w) {
+        if (w == "not_empty" || w == "state_fit")
+            return w == "not_empty" ? SMS_REASM_ERR_NOT_EMPTY : SMS_REASM_ERR_STATE_FIT;
+        return w == "ok" ? 0 : static_cast<int>(std::find(names.begin(), names.end(), w) - names.begin());
+    };
+    std::istringstream file(smsutil::test::read_file(std::string(SMSUTIL_TEST_DATA_DIR) + "/reassembly_scripts.txt"));
+    std::unique_ptr<Store> s;
+    std::vector<uint8_t> image;
+    std::string line, word, from, kind, result, text;
+    int lines = 0;
+    while (std::getline(file, line)) {
+        if (line.empty() || line[0] == '#') continue;
+        SCOPED_TRACE(line);
+        ++lines;
+        std::istringstream in(line);
+        in >> word;
+        if (word == ">") {
+            std::getline(in >> std::ws, text);
+            const std::size_t end = s->log.find('\n');
+            EXPECT_EQ(s->log.substr(0, end), unescape(text));
+            s->log.erase(0, end == std::string::npos ? end : end + 1);
+            continue;
         }
-        EXPECT_EQ(s.log, script.log);
+        EXPECT_EQ(s ? s->log : "", "") << "handed over unexpectedly";
+        int got = 0, want = 0;  // what the line does and what it states
+        if (word == "store" && in >> want) s = std::make_unique<Store>(want, 4, 16, 60), got = want;
+        if (word == "capacity" && in >> want) s->out.text_capacity = static_cast<uint32_t>(want), got = want;
+        if (word == "pending" && in >> want) got = static_cast<int>(s->pending());
+        from.clear();
+        if (std::isdigit(static_cast<unsigned char>(word[0])) != 0) in >> from;
+        const uint64_t now = from.empty() ? 0 : std::stoull(word);
+        if (from == "save") image = s->saved(now);
+        if (from == "load" && in >> result)
+            got = sms_reasm_load_state(s->store, now, image.data(), image.size()), want = code(result);
+        if (from == "expire" && in >> want) got = sms_reasm_expire(s->store, now);
+        if (!from.empty() && from[0] == '+') {
+            unsigned reference = 0, bits = 0, number = 0, total = 0;
+            char slash = 0;
+            in >> reference >> slash >> bits >> number >> slash >> total >> kind >> result >> std::ws;
+            std::getline(in, text);
+            text = unescape(text.substr(1, text.size() - 2));
+            const uint8_t k = kind == "S" ? SMS_REASM_STORED_OUTGOING : SMS_REASM_RECEIVED;
+            got = s->add(
+                Store::part(from, static_cast<uint16_t>(reference), static_cast<uint8_t>(bits),
+                            static_cast<uint8_t>(number), static_cast<uint8_t>(total), k, kind != "N", text.c_str()),
+                now);
+            want = code(result);
+        }
+        EXPECT_EQ(got, want);
     }
+    EXPECT_GT(lines, 50);  // the file was found and read
+    EXPECT_EQ(s->log, "");
 }
 
 TEST(Reassembly, StorageIsCheckedBeforeUse)
@@ -224,57 +194,11 @@ TEST(Reassembly, StorageIsCheckedBeforeUse)
     }
 }
 
-TEST(Reassembly, TextTooLongForTheRecordChangesNothing)
-{
-    Store s;
-    s.add({.total = 2, .number = 1, .text = "abc"});
-    const sms_reasm_stats before = s.stats();
-    s.out.text_capacity = 5;  // "abcde" needs its NUL too
-    EXPECT_EQ(s.add({.total = 2, .number = 2, .text = "de"}), SMS_REASM_TEXT_TOO_LONG);
-    EXPECT_EQ(s.out.text_length, 5U);
-    const sms_reasm_stats unchanged = s.stats();
-    EXPECT_EQ(std::memcmp(&before, &unchanged, sizeof before), 0);
-    s.out.text_capacity = 6;
-    EXPECT_EQ(s.add({.total = 2, .number = 2, .text = "de"}), SMS_REASM_COMPLETE);
-    EXPECT_STREQ(s.out.text, "abcde");
-    EXPECT_EQ(s.stats().pending_parts, 0U);
-}
-
-// Saved at 150 with ages 50 and 20, loaded after a restart whose clock
-// starts again at 10: the parts keep their ages and their text.
-TEST(Reassembly, SavedStateSurvivesARestart)
-{
-    Store before;
-    before.add({.from = "+1", .number = 3, .text = "c"}, 100);
-    before.add({.from = "+1", .number = 2, .text = "b"}, 110);
-    before.add({.from = "+2", .number = 1, .text = "x"}, 130);
-    const std::vector<uint8_t> image = before.saved(150);
-    std::vector<uint8_t> short_buffer(image.size() - 1);
-    size_t written = 0;
-    EXPECT_EQ(sms_reasm_save_state(before.store, 150, short_buffer.data(), short_buffer.size(), &written),
-              SMS_REASM_ERR_TOO_SMALL);
-
-    Store after;
-    ASSERT_EQ(sms_reasm_load_state(after.store, 10, image.data(), image.size()), 0);
-    EXPECT_EQ(sms_reasm_load_state(after.store, 10, image.data(), image.size()), SMS_REASM_ERR_NOT_EMPTY);
-    EXPECT_EQ(after.add({.from = "+1", .number = 2, .text = "b"}, 11), SMS_REASM_DUPLICATE);
-    EXPECT_EQ(sms_reasm_expire(after.store, 19), 0);
-    EXPECT_EQ(sms_reasm_expire(after.store, 20), 1);
-    EXPECT_EQ(after.add({.from = "+2", .number = 2, .text = "y"}, 20), SMS_REASM_STORED);
-    EXPECT_EQ(after.add({.from = "+2", .number = 3, .text = "z"}, 21), SMS_REASM_COMPLETE);
-    EXPECT_EQ(after.log, "expired +1 7 missing 1: 'bc' 2002;done +2 7: 'xyz' 2001;");
-
-    // A store with smaller bounds cannot take these messages.
-    Store narrow(1, 4, 64, 60);
-    EXPECT_EQ(sms_reasm_load_state(narrow.store, 10, image.data(), image.size()), SMS_REASM_ERR_STATE_FIT);
-    EXPECT_EQ(narrow.stats().pending_messages, 0U);
-}
-
 TEST(Reassembly, DamagedStateIsRefusedWhole)
 {
     Store before;
-    before.add({.from = "+1", .number = 3, .text = "c"});
-    before.add({.from = "+2", .number = 1, .text = "x"});
+    before.add("+1", 3, "c");
+    before.add("+2", 1, "x");
     const std::vector<uint8_t> image = before.saved(0);
     Store after;
     for (size_t n = 0; n < image.size(); ++n) {
@@ -285,7 +209,7 @@ TEST(Reassembly, DamagedStateIsRefusedWhole)
         EXPECT_TRUE(result == SMS_REASM_ERR_STATE_DAMAGED ||
                     ((n == 4 || n == 5) && result == SMS_REASM_ERR_STATE_VERSION))
             << n;
-        ASSERT_EQ(after.stats().pending_messages, 0U) << n;
+        ASSERT_EQ(after.pending(), 0U) << n;
     }
 }
 
@@ -296,28 +220,23 @@ TEST(Reassembly, DamagedStateIsRefusedWhole)
 TEST(Reassembly, ForgedStateIsRefusedWhole)
 {
     Store before;
-    before.add({.from = "+1", .number = 1, .text = "a"});
-    before.add({.from = "+1", .number = 3, .text = "c"});
+    before.add("+1", 1, "a");
+    before.add("+1", 3, "c");
     const std::vector<uint8_t> image = before.saved(0);
     ASSERT_EQ(image.size(), 58U);
-    struct Edit {
-        size_t offset;
-        uint8_t value;
-        int result;
-    };
-    for (const Edit &e : {Edit{12, 2, SMS_REASM_ERR_STATE_DAMAGED}, Edit{16, 2, SMS_REASM_ERR_STATE_DAMAGED},
-                          Edit{17, 7, SMS_REASM_ERR_STATE_DAMAGED}, Edit{18, 1, SMS_REASM_ERR_STATE_DAMAGED},
-                          Edit{18, 5, SMS_REASM_ERR_STATE_FIT}, Edit{19, 3, SMS_REASM_ERR_STATE_DAMAGED},
-                          Edit{23, 0, SMS_REASM_ERR_STATE_DAMAGED}, Edit{35, 3, SMS_REASM_ERR_STATE_DAMAGED},
-                          Edit{49, 1, SMS_REASM_ERR_STATE_DAMAGED}, Edit{49, 4, SMS_REASM_ERR_STATE_DAMAGED}}) {
+    constexpr int kDamaged = SMS_REASM_ERR_STATE_DAMAGED;
+    const std::tuple<size_t, uint8_t, int> edits[] = {
+        {12, 2, kDamaged}, {16, 2, kDamaged}, {17, 7, kDamaged}, {18, 1, kDamaged}, {18, 5, SMS_REASM_ERR_STATE_FIT},
+        {19, 3, kDamaged}, {23, 0, kDamaged}, {35, 3, kDamaged}, {49, 1, kDamaged}, {49, 4, kDamaged}};
+    for (const auto &[offset, value, result] : edits) {
         std::vector<uint8_t> forged = image;
-        forged[e.offset] = e.value;
+        forged[offset] = value;
         const uint32_t crc = smsutil::reassembly::crc32(forged.data(), forged.size() - 4);
         for (int k = 0; k < 4; ++k)
             forged[forged.size() - 4 + static_cast<size_t>(k)] = static_cast<uint8_t>(crc >> (8 * k));
         Store after;
-        EXPECT_EQ(sms_reasm_load_state(after.store, 0, forged.data(), forged.size()), e.result) << e.offset;
-        EXPECT_EQ(after.stats().pending_messages, 0U) << e.offset;
+        EXPECT_EQ(sms_reasm_load_state(after.store, 0, forged.data(), forged.size()), result) << offset;
+        EXPECT_EQ(after.pending(), 0U) << offset;
     }
 }
 
@@ -328,14 +247,14 @@ TEST(Reassembly, NeverTouchesTheHeap)
     std::vector<uint8_t> image(4096);
     size_t written = 0;
     smsutil::test::AllocationScope scope;
-    s.add({.from = "+1", .number = 1, .text = "a"});
-    s.add({.from = "+2", .number = 1, .text = "b"});
-    s.add({.from = "+3", .number = 1, .text = "c"});
+    s.add("+1", 1, "a");
+    s.add("+2", 1, "b");
+    s.add("+3", 1, "c");
     sms_reasm_save_state(s.store, 0, image.data(), image.size(), &written);
     sms_reasm_expire(s.store, 100);
     sms_reasm_load_state(s.store, 0, image.data(), written);
-    s.add({.from = "+3", .number = 2, .text = "d"});
-    s.add({.from = "+3", .number = 3, .text = "e"});
+    s.add("+3", 2, "d");
+    s.add("+3", 3, "e");
     EXPECT_EQ(scope.allocations(), 0U);
     EXPECT_EQ(s.handed_over, 3);
     EXPECT_EQ(std::string(s.out.text, s.out.text_length), "cde");
@@ -344,31 +263,27 @@ TEST(Reassembly, NeverTouchesTheHeap)
 // The whole path from PDUs through ParseSms is run by the join command's tests.
 TEST(Reassembly, PartsFromTheMessageInterface)
 {
-    struct Case {
-        uint32_t state, flag;
-        uint16_t mr;
-        uint8_t kind, concatenated, bits;
-        bool record;  // through the decoder's record instead of an SmsMessage
-    };
-    for (const Case &c :
-         {Case{1, 1, 92, SMS_REASM_RECEIVED, 1, 8, false}, Case{3, 1, 0x1234, SMS_REASM_STORED_OUTGOING, 1, 16, false},
-          Case{2, 0, 5, SMS_REASM_STORED_OUTGOING, 0, 0, false},
-          Case{2, 1, 0x34, SMS_REASM_STORED_OUTGOING, 1, 16, true}}) {
+    // State, concatenated flag and reference; the part's kind, concatenation and reference bits; whether
+    // through the decoder's record instead of an SmsMessage.
+    const std::tuple<uint32_t, uint32_t, uint16_t, uint8_t, uint8_t, uint8_t, bool> cases[] = {
+        {1, 1, 92, SMS_REASM_RECEIVED, 1, 8, false},
+        {3, 1, 0x1234, SMS_REASM_STORED_OUTGOING, 1, 16, false},
+        {2, 0, 5, SMS_REASM_STORED_OUTGOING, 0, 0, false},
+        {2, 1, 0x34, SMS_REASM_STORED_OUTGOING, 1, 16, true}};
+    for (const auto &[state, flag, mr, kind, concatenated, bits, record] : cases) {
         SmsMessage m{};
-        m.state = c.state;
-        m.sms_flag_type = c.flag;
-        m.mr = c.mr;
+        m.state = state;
+        m.sms_flag_type = flag;
+        m.mr = mr;
         sms_pdu_record r{};
-        r.kind = c.state >= 2 ? SMS_PDU_SUBMIT : SMS_PDU_DELIVER;
-        r.has_concatenation = static_cast<uint8_t>(c.flag);
-        r.concatenation_16bit = c.bits == 16;
-        r.concatenation_reference = c.mr;
-        sms_reasm_part part;
-        ASSERT_EQ(c.record ? sms_reasm_part_from_record(&r, &part) : sms_reasm_part_from_message(&m, &part), 0);
-        EXPECT_EQ(part.kind, c.kind);
-        EXPECT_EQ(part.concatenated, c.concatenated);
-        EXPECT_EQ(part.reference_bits, c.bits);
-        EXPECT_EQ(part.reference, c.concatenated ? c.mr : 0);
+        r.kind = state >= 2 ? SMS_PDU_SUBMIT : SMS_PDU_DELIVER;
+        r.has_concatenation = static_cast<uint8_t>(flag);
+        r.concatenation_16bit = bits == 16;
+        r.concatenation_reference = mr;
+        sms_reasm_part p;
+        ASSERT_EQ(record ? sms_reasm_part_from_record(&r, &p) : sms_reasm_part_from_message(&m, &p), 0);
+        EXPECT_EQ(std::vector<int>({p.kind, p.concatenated, p.reference_bits, p.reference}),
+                  std::vector<int>({kind, concatenated, bits, concatenated ? mr : 0}));
     }
 }
 
