@@ -190,6 +190,12 @@ TEST_F(ComposeSmsTest, LimitsLengthAtTheBoundaries)
         EXPECT_EQ(out_.pdu[0] == '\0', expected != 0);  // written only on success
         expect_logged({message});
     }
+    // Content with no terminator cannot be measured as UCS-2 without reading past it.
+    SetUp();
+    std::memset(msg_.content, 'a', sizeof msg_.content);
+    msg_.sms_content_code = SMS_CONTENT_UCS2;
+    EXPECT_EQ(ComposeSms(&msg_, &out_), -1);
+    EXPECT_EQ(out_.pdu[0], '\0');
 }
 
 TEST_F(ComposeSmsTest, RefusedNumbersLeaveTheOutputAlone)
@@ -234,13 +240,16 @@ TEST_F(ComposeSmsTest, NullRecordsAndNoHeap)
 TEST(ConstructValidity, ThirtyDayMonthsAndThreeSixtyDayYears)
 {
     const uint32_t saved = m_stConfiguration.dwValidity;
-    m_stConfiguration.dwValidity = 31104000u + 2592000u + 86400u + 3600u + 60u + 1u;
-    wms_gw_validity v;
-    ConstructValidityData(&v);
-    EXPECT_EQ(v.format, WMS_VP_RELATIVE);
-    const wms_timestamp &t = v.time;
-    EXPECT_EQ(std::vector<int>({t.year, t.month, t.day, t.hour, t.minute, t.second}),
-              std::vector<int>({1, 1, 1, 1, 1, 1}));
+    // Seconds, then year, month, day, hour, minute, second; a whole month lands on its unit exactly.
+    for (const auto &[seconds, fields] : std::vector<std::pair<uint32_t, std::vector<int>>>{
+             {31104000u + 2592000u + 86400u + 3600u + 60u + 1u, {1, 1, 1, 1, 1, 1}}, {2592000u, {0, 1, 0, 0, 0, 0}}}) {
+        m_stConfiguration.dwValidity = seconds;
+        wms_gw_validity v;
+        ConstructValidityData(&v);
+        EXPECT_EQ(v.format, WMS_VP_RELATIVE);
+        const wms_timestamp &t = v.time;
+        EXPECT_EQ(std::vector<int>({t.year, t.month, t.day, t.hour, t.minute, t.second}), fields) << seconds;
+    }
     m_stConfiguration.dwValidity = saved;
 }
 
