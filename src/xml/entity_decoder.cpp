@@ -80,21 +80,18 @@ std::size_t decode_char_ref(const char *at, const char *end, uint32_t &code)
 
 namespace smsutil::xml {
 
-bool copy_decoded(const char *text, std::size_t n, char **out)
+std::size_t decode_into(const char *text, std::size_t n, char *out)
 {
-    if (n == 0) {
-        *out = nullptr;
-        return true;
-    }
-    auto *copy = static_cast<char *>(alloc_zeroed(n + 1));
-    if (copy == nullptr) return false;
     const char *end = text + n;
-    char *w = copy;
+    char *w = out;
     for (const char *p = text; p < end;) {
-        if (*p != '&') {
-            *w++ = *p++;
-            continue;
-        }
+        // Most text has no reference at all: copy up to the next '&' at once.
+        const auto *amp = static_cast<const char *>(std::memchr(p, '&', static_cast<std::size_t>(end - p)));
+        const std::size_t plain = static_cast<std::size_t>((amp != nullptr ? amp : end) - p);
+        std::memcpy(w, p, plain);
+        w += plain;
+        p += plain;
+        if (p == end) break;
         std::size_t used = 0;
         for (const NamedEntity &e : kNamedEntities) {
             if (static_cast<std::size_t>(end - p) >= e.length && std::memcmp(p, e.text, e.length) == 0) {
@@ -108,12 +105,28 @@ bool copy_decoded(const char *text, std::size_t n, char **out)
             used = decode_char_ref(p, end, code);
             if (used != 0) w += encode_utf8(code, w);
         }
-        if (used == 0) {
-            XML_Free(copy);
-            return false;
-        }
+        if (used == 0) return kBadReference;
         p += used;
     }
+    *w = '\0';
+    return static_cast<std::size_t>(w - out);
+}
+
+bool copy_decoded(const char *text, std::size_t n, char **out)
+{
+    if (n == 0) {
+        *out = nullptr;
+        return true;
+    }
+    auto *copy = static_cast<char *>(XML_Malloc(n + 1));
+    if (copy == nullptr) return false;
+    const std::size_t len = decode_into(text, n, copy);
+    if (len == kBadReference) {
+        XML_Free(copy);
+        return false;
+    }
+    // What decoding saved stays zero, as in a block zeroed up front.
+    std::memset(copy + len, 0, n + 1 - len);
     *out = copy;
     return true;
 }

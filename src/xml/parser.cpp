@@ -3,6 +3,7 @@
 // skipped comments, processing instructions, XML declaration and document
 // type declaration, entities and character references, and namespace
 // prefixes split off names.  One pass, no recursion over nesting depth.
+#include <array>
 #include <cstring>
 
 #include "xml/xml_internal.hpp"
@@ -10,6 +11,14 @@
 namespace {
 
 using smsutil::xml::copy_decoded;
+using smsutil::xml::decode_into;
+using smsutil::xml::kBadReference;
+using smsutil::xml::node_flags;
+using smsutil::xml::node_text_room;
+
+// Room for the name in an element block allocated ahead of its start tag:
+// most names fit, a longer one grows the block before the node is linked.
+constexpr std::size_t kPendingNameRoom = 24;
 
 enum Mode : uint32_t {
     kModeMarkup = 0,   // a tag is expected, text is not allowed
@@ -33,7 +42,25 @@ struct ParseState {
 
 enum class Step { kOk, kEnd, kFail };
 
-bool is_space(char c) { return c == '\n' || c == '\t' || c == '\r' || c == ' '; }
+// Byte classes, looked up once per byte while scanning.  A byte of class 0
+// continues a name or value token.
+enum ByteClass : uint8_t {
+    kSpace = 1,       // whitespace: skipped between tokens
+    kStop = 2,        // ends a token: the delimiters and the terminating NUL
+    kMaybeClose = 4,  // ']', '-', '/': end a token only as "]]>", "-->", "/>"
+};
+
+constexpr auto kByteClass = [] {
+    std::array<uint8_t, 256> table{};
+    for (const unsigned char c : {'\n', '\t', '\r', ' '}) table[c] = kSpace | kStop;
+    for (const unsigned char c : {'>', '<', '=', '"', '\'', '\0'}) table[c] = kStop;
+    for (const unsigned char c : {']', '-', '/'}) table[c] = kMaybeClose;
+    return table;
+}();
+
+uint8_t byte_class(char c) { return kByteClass[static_cast<unsigned char>(c)]; }
+
+bool is_space(char c) { return (byte_class(c) & kSpace) != 0; }
 
 void skip_space(ParseState &s)
 {
@@ -55,29 +82,38 @@ bool starts_with_nocase(const char *text, const char *literal)
     return true;
 }
 
-bool is_delimiter(const char *p)
+// At "]]>", "-->" or "/>".  Each byte is compared only after the one
+// before it matched, so nothing past the text's NUL is read.
+bool at_closing_sequence(const char *p)
 {
     switch (*p) {
-    case '>':
-    case '<':
-    case '=':
-    case '"':
-    case '\'':
-    case '\r':
-    case ' ':
-    case '\n':
-    case '\t':
-        return true;
-    // The closing sequences are looked for only at their first character:
-    // this runs for every character of every name and value.
     case ']':
-        return starts_with(p, "]]>");
+        return p[1] == ']' && p[2] == '>';
     case '-':
-        return starts_with(p, "-->");
+        return p[1] == '-' && p[2] == '>';
     case '/':
-        return starts_with(p, "/>");
+        return p[1] == '>';
     default:
         return false;
+    }
+}
+
+bool is_delimiter(const char *p)
+{
+    const uint8_t cls = byte_class(*p);
+    if ((cls & kMaybeClose) != 0) return at_closing_sequence(p);
+    return (cls & kStop) != 0 && *p != '\0';
+}
+
+// End of the name or value token starting at p: the first delimiter or
+// the text's NUL.
+const char *token_end(const char *p)
+{
+    for (;;) {
+        uint8_t cls;
+        while ((cls = byte_class(*p)) == 0) ++p;
+        if ((cls & kMaybeClose) == 0 || at_closing_sequence(p)) return p;
+        ++p;
     }
 }
 
@@ -120,14 +156,25 @@ bool next_token(ParseState &s)
     if (*s.cursor == '\0' || !skip_misc(s) || *s.cursor == '\0') return false;
     const char *c = s.cursor;
     std::size_t len = 0;
-    if (*c == '"' || *c == '\'' || *c == '=' || *c == '>' || (*c == '<' && c[1] != '/'))
+    switch (*c) {
+    case '"':
+    case '\'':
+    case '=':
+    case '>':
         len = 1;
-    else if (starts_with(c, "</") || starts_with(c, "/>"))
-        len = 2;
-    else if (*c == '/' || starts_with(c, "-->") || starts_with(c, "]]>"))
-        len = 0;
-    else
-        while (c[len] != '\0' && !is_delimiter(c + len)) ++len;
+        break;
+    case '<':
+        len = c[1] == '/' ? 2 : 1;
+        break;
+    case '/':
+        len = c[1] == '>' ? 2 : 0;
+        break;
+    default:
+        // A lone "-->" or "]]>" is a token of length 0; anything else runs
+        // to the next delimiter.
+        if (!at_closing_sequence(c)) len = static_cast<std::size_t>(token_end(c) - c);
+        break;
+    }
     s.tokenStart = c;
     s.tokenLength = len;
     s.tokenValid = true;
@@ -135,9 +182,10 @@ bool next_token(ParseState &s)
     return true;
 }
 
-bool token_is(const ParseState &s, const char *literal)
+template <std::size_t N>
+bool token_is(const ParseState &s, const char (&literal)[N])
 {
-    return s.tokenLength == std::strlen(literal) && std::memcmp(s.tokenStart, literal, s.tokenLength) == 0;
+    return s.tokenLength == N - 1 && std::memcmp(s.tokenStart, literal, N - 1) == 0;
 }
 
 bool read_token(ParseState &s) { return next_token(s) && s.tokenLength > 0; }
@@ -150,30 +198,67 @@ bool token_equals_name(const ParseState &s, const XML_Node *node)
     return smsutil::xml::name_equals(node->name, s.tokenStart, s.tokenLength);
 }
 
-// Splits a raw attribute name into decoded prefix and name.
+// Splits a raw attribute name of len bytes into decoded prefix and name,
+// both kept in the attribute's block (len + 1 bytes of room: decoding never
+// lengthens, and the colon's byte takes the prefix's terminator).
 bool split_qname_copy(XML_Node *node, const char *raw, std::size_t len)
 {
+    char *room = node_text_room(node);
     const auto *colon = static_cast<const char *>(std::memchr(raw, ':', len));
-    if (colon == nullptr) return copy_decoded(raw, len, &node->name);
+    if (colon == nullptr) {
+        if (decode_into(raw, len, room) == kBadReference) return false;
+        node->name = room;
+        node_flags(node) |= smsutil::xml::kNameInBlock;
+        return true;
+    }
     const auto before = static_cast<std::size_t>(colon - raw);
     if (before == 0 || before == len - 1) return false;
-    return copy_decoded(raw, before, &node->prefix) && copy_decoded(colon + 1, len - before - 1, &node->name);
+    const std::size_t prefix_len = decode_into(raw, before, room);
+    if (prefix_len == kBadReference) return false;
+    char *local = room + prefix_len + 1;
+    if (decode_into(colon + 1, len - before - 1, local) == kBadReference) return false;
+    node->prefix = room;
+    node->name = local;
+    node_flags(node) |= smsutil::xml::kNameInBlock | smsutil::xml::kPrefixInBlock;
+    return true;
 }
 
 // Splits an element's stored (already decoded) name once it is closed,
-// after the end tag has been compared with the whole name.
+// after the end tag has been compared with the whole name.  The parser
+// keeps element names in the node's block: the colon becomes the prefix's
+// terminator.
 bool split_qname_in_place(XML_Node *node)
 {
     char *name = node->name;
     char *colon = name != nullptr ? std::strchr(name, ':') : nullptr;
     if (colon == nullptr) return true;
-    const std::size_t len = std::strlen(name);
-    if (colon == name || colon == name + len - 1) return false;
-    char *prefix = smsutil::xml::copy_bytes(name, static_cast<std::size_t>(colon - name));
-    if (prefix == nullptr) return false;
-    XML_Free(node->prefix);
-    node->prefix = prefix;
-    std::memmove(name, colon + 1, std::strlen(colon + 1) + 1);
+    if (colon == name || colon[1] == '\0') return false;
+    *colon = '\0';
+    smsutil::xml::drop_string(node, &node->prefix);
+    node->prefix = name;
+    node->name = colon + 1;
+    node_flags(node) |= smsutil::xml::kPrefixInBlock;
+    return true;
+}
+
+// An element allocated ahead of its start tag, with room for a name.
+XML_Node *new_pending() { return smsutil::xml::alloc_node(XML_NODE_ELEMENT, kPendingNameRoom); }
+
+// The pending element's name: a decoded copy of the current token, in the
+// node's block (grown first when the name does not fit; the node is not
+// linked yet, so nothing points at it).
+bool store_pending_name(ParseState &s)
+{
+    const std::size_t need = s.tokenLength + 1;
+    if (need > kPendingNameRoom) {
+        auto *grown = static_cast<XML_Node *>(XML_Realloc(s.pending, smsutil::xml::kNodeBlockSize + need));
+        if (grown == nullptr) return false;
+        s.pending = grown;
+    }
+    char *room = node_text_room(s.pending);
+    if (decode_into(s.tokenStart, s.tokenLength, room) == kBadReference) return false;
+    s.pending->name = room;
+    node_flags(s.pending) |= smsutil::xml::kNameInBlock;
     return true;
 }
 
@@ -201,7 +286,7 @@ void link_pending(ParseState &s, bool open)
 bool parse_start_tag(ParseState &s)
 {
     if (s.pending == nullptr || !read_name(s)) return false;
-    if (!copy_decoded(s.tokenStart, s.tokenLength, &s.pending->name) || !read_token(s)) return false;
+    if (!store_pending_name(s) || !read_token(s)) return false;
     if (token_is(s, "/>")) {
         if (!split_qname_in_place(s.pending)) return false;
         link_pending(s, false);
@@ -221,7 +306,7 @@ bool parse_attribute(ParseState &s)
 {
     const char *name = s.tokenStart;
     if (name == s.input || !is_space(name[-1]) || is_delimiter(name)) return false;
-    XML_Node *attr = XML_NewNode(XML_NODE_ATTR);
+    XML_Node *attr = smsutil::xml::alloc_node(XML_NODE_ATTR, s.tokenLength + 1);
     if (attr == nullptr) return false;
     bool ok = split_qname_copy(attr, name, s.tokenLength) && read_token(s) && token_is(s, "=") && read_token(s) &&
               (token_is(s, "\"") || token_is(s, "'"));
@@ -343,7 +428,7 @@ bool parse_prolog(ParseState &s)
 
 uint32_t parse_doc(ParseState &s, XML_Node **out)
 {
-    s.pending = XML_NewNode(XML_NODE_ELEMENT);
+    s.pending = new_pending();
     if (s.pending == nullptr) return XML_ERR_NO_MEMORY;
     bool ok = parse_prolog(s) && *s.cursor != '\0';
     while (ok) {
@@ -352,7 +437,7 @@ uint32_t parse_doc(ParseState &s, XML_Node **out)
         if (step == Step::kFail) {
             ok = false;
         } else if (*s.cursor != '\0' && s.mode != kModeAttrs && s.pending == nullptr) {
-            s.pending = XML_NewNode(XML_NODE_ELEMENT);
+            s.pending = new_pending();
             ok = s.pending != nullptr;
         }
     }

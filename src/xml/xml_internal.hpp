@@ -11,8 +11,15 @@ namespace smsutil::xml {
 // Two nulls are equal, a null differs from every string, else strcmp.
 int str_cmp_null(const char *a, const char *b);
 
-// A NUL-terminated string equal to the len bytes at text.
-bool name_equals(const char *name, const char *text, std::size_t len);
+// A NUL-terminated string equal to the len bytes at text (which hold no
+// NUL: a shorter name stops the loop at its terminator).
+inline bool name_equals(const char *name, const char *text, std::size_t len)
+{
+    if (name == nullptr) return false;
+    for (std::size_t i = 0; i < len; ++i)
+        if (name[i] != text[i]) return false;
+    return name[len] == '\0';
+}
 
 // First attribute of element whose (prefix, name) pair compares equal.
 XML_Node *find_attr(const XML_Node *element, const char *prefix, const char *name);
@@ -20,6 +27,26 @@ XML_Node *find_attr(const XML_Node *element, const char *prefix, const char *nam
 // An allocated, zero-filled block (the hooks have no zeroing allocator of
 // their own that the library may use).
 void *alloc_zeroed(std::size_t size);
+
+// Every node block the library allocates holds one byte of flags after the
+// public record.  The parser also stores a node's name (and the prefix
+// split off it) in the same block, after the flags, which saves an
+// allocation per node; a flag tells the release and replacement paths not
+// to hand those strings to the free hook.
+enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2 };
+constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + 1;
+
+inline unsigned char &node_flags(XML_Node *node) { return *reinterpret_cast<unsigned char *>(node + 1); }
+inline char *node_text_room(XML_Node *node) { return reinterpret_cast<char *>(node + 1) + 1; }
+
+// A node block with room for text_room bytes of strings after the flags;
+// the record and the flags are zeroed, kind set.  Null when the
+// allocation fails.
+XML_Node *alloc_node(uint32_t kind, std::size_t text_room);
+
+// Releases *field of node (its name, value or prefix) unless it lives in
+// the node's block, and sets it to null.
+void drop_string(XML_Node *node, char **field);
 
 // Allocated copy of len bytes plus a terminator; null for len 0 or when
 // the allocation fails.
@@ -44,9 +71,16 @@ std::uint32_t read_file(const char *path, char **out_text);
 
 namespace smsutil::xml {
 
-// Decoded copy of text[0, n): the five predefined entities and numeric
-// character references (written as UTF-8).  n == 0 stores null and
-// succeeds; a malformed or disallowed reference fails with out untouched.
+// Decodes text[0, n) into out, which has room for n + 1 bytes (decoding
+// never lengthens), and terminates it: the five predefined entities and
+// numeric character references (written as UTF-8).  The decoded length,
+// or kBadReference for a malformed or disallowed reference.
+constexpr std::size_t kBadReference = ~std::size_t{0};
+std::size_t decode_into(const char *text, std::size_t n, char *out);
+
+// Decoded copy of text[0, n) in a block of its own.  n == 0 stores null
+// and succeeds; a malformed or disallowed reference fails with out
+// untouched.
 bool copy_decoded(const char *text, std::size_t n, char **out);
 
 }  // namespace smsutil::xml
