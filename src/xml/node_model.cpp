@@ -21,13 +21,18 @@ int str_cmp_null(const char *a, const char *b)
     return std::strcmp(a, b);
 }
 
-XML_Node *alloc_node(uint32_t kind, std::size_t text_room)
+XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
 {
-    auto *node = static_cast<XML_Node *>(XML_Malloc(kNodeBlockSize + text_room));
-    if (node == nullptr) return nullptr;
-    std::memset(node, 0, kNodeBlockSize);
+    std::memset(block, 0, kNodeBlockSize);
+    auto *node = static_cast<XML_Node *>(block);
     node->kind = kind;
+    node_tail(node).chunk = chunk;
     return node;
+}
+
+void release_chunk(NodeChunk *chunk)
+{
+    if (chunk->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) XML_Free(chunk);
 }
 
 void drop_string(XML_Node *node, char **field)
@@ -57,7 +62,8 @@ bool present(const char *text) { return text != nullptr && text[0] != '\0'; }
 
 extern "C" SMSUTIL_API XML_Node *XML_NewNode(uint32_t kind)
 {
-    return smsutil::xml::alloc_node(kind, 0);
+    void *block = XML_Malloc(smsutil::xml::kNodeBlockSize);
+    return block != nullptr ? smsutil::xml::init_node(block, kind, nullptr) : nullptr;
 }
 
 extern "C" SMSUTIL_API char *XML_Strdup(const char *text)
@@ -114,11 +120,14 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_SetNode(XML_Node *node, const char *pref
 extern "C" SMSUTIL_API void XML_FreeSingleNode(XML_Node *node)
 {
     if (node == nullptr) return;
-    const unsigned char flags = smsutil::xml::node_flags(node);
-    if ((flags & smsutil::xml::kNameInBlock) == 0) XML_Free(node->name);
+    const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(node);
+    if ((tail.flags & smsutil::xml::kNameInBlock) == 0) XML_Free(node->name);
     XML_Free(node->value);
-    if ((flags & smsutil::xml::kPrefixInBlock) == 0) XML_Free(node->prefix);
-    XML_Free(node);
+    if ((tail.flags & smsutil::xml::kPrefixInBlock) == 0) XML_Free(node->prefix);
+    if (tail.chunk != nullptr)
+        smsutil::xml::release_chunk(tail.chunk);
+    else
+        XML_Free(node);
 }
 
 // Walks the chain without recursion so that a deeply nested document

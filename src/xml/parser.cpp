@@ -3,7 +3,9 @@
 // skipped comments, processing instructions, XML declaration and document
 // type declaration, entities and character references, and namespace
 // prefixes split off names.  One pass, no recursion over nesting depth.
+#include <algorithm>
 #include <array>
+#include <new>
 #include <cstring>
 
 #include "xml/xml_internal.hpp"
@@ -16,9 +18,13 @@ using smsutil::xml::kBadReference;
 using smsutil::xml::node_flags;
 using smsutil::xml::node_text_room;
 
-// Room for the name in an element block allocated ahead of its start tag:
-// most names fit, a longer one grows the block before the node is linked.
-constexpr std::size_t kPendingNameRoom = 24;
+using smsutil::xml::NodeChunk;
+
+// Node blocks start small, for the short files that are the common case,
+// and double up to a size the allocator still serves from its heap.
+constexpr std::size_t kFirstChunkSize = 1000;
+constexpr std::size_t kLastChunkSize = 1000;
+constexpr std::size_t kChunkHeader = (sizeof(NodeChunk) + alignof(XML_Node) - 1) / alignof(XML_Node) * alignof(XML_Node);
 
 enum Mode : uint32_t {
     kModeMarkup = 0,   // a tag is expected, text is not allowed
@@ -34,10 +40,14 @@ struct ParseState {
     bool inputBorrowed;
     std::size_t tokenLength;
     XML_Node *current;  // element most recently linked, or returned to by an end tag
-    XML_Node *pending;  // allocated ahead for the next start tag
+    XML_Node *pending;  // made by a start tag, not linked yet
     bool currentOpen;
     uint32_t mode;
     XML_Node *root;  // first element linked: the caller's result
+    NodeChunk *chunk;  // the block new nodes are carved from (the parser holds a reference)
+    char *chunkNext;
+    char *chunkEnd;
+    std::size_t nextChunkSize;
 };
 
 enum class Step { kOk, kEnd, kFail };
@@ -241,20 +251,40 @@ bool split_qname_in_place(XML_Node *node)
     return true;
 }
 
-// An element allocated ahead of its start tag, with room for a name.
-XML_Node *new_pending() { return smsutil::xml::alloc_node(XML_NODE_ELEMENT, kPendingNameRoom); }
-
-// The pending element's name: a decoded copy of the current token, in the
-// node's block (grown first when the name does not fit; the node is not
-// linked yet, so nothing points at it).
-bool store_pending_name(ParseState &s)
+// Starts a new block of at least need bytes of nodes; the parser's hold on
+// the previous one is given up.
+bool next_chunk(ParseState &s, std::size_t need)
 {
-    const std::size_t need = s.tokenLength + 1;
-    if (need > kPendingNameRoom) {
-        auto *grown = static_cast<XML_Node *>(XML_Realloc(s.pending, smsutil::xml::kNodeBlockSize + need));
-        if (grown == nullptr) return false;
-        s.pending = grown;
-    }
+    const std::size_t size = std::max(s.nextChunkSize, kChunkHeader + need);
+    void *block = XML_Malloc(size);
+    if (block == nullptr) return false;
+    if (s.chunk != nullptr) smsutil::xml::release_chunk(s.chunk);
+    s.chunk = new (block) NodeChunk{};
+    s.chunk->refs.store(1, std::memory_order_relaxed);
+    s.chunkNext = static_cast<char *>(block) + kChunkHeader;
+    s.chunkEnd = static_cast<char *>(block) + size;
+    s.nextChunkSize = std::min(s.nextChunkSize * 2, kLastChunkSize);
+    return true;
+}
+
+// A zeroed node of the given kind with text_room bytes for its names.
+XML_Node *carve_node(ParseState &s, uint32_t kind, std::size_t text_room)
+{
+    constexpr std::size_t align = alignof(XML_Node);
+    const std::size_t need = (smsutil::xml::kNodeBlockSize + text_room + align - 1) / align * align;
+    if (static_cast<std::size_t>(s.chunkEnd - s.chunkNext) < need && !next_chunk(s, need)) return nullptr;
+    XML_Node *node = smsutil::xml::init_node(s.chunkNext, kind, s.chunk);
+    s.chunkNext += need;
+    s.chunk->refs.fetch_add(1, std::memory_order_relaxed);
+    return node;
+}
+
+// The element of a start tag, named by the current token (decoded, in the
+// node's block), made pending.
+bool make_pending(ParseState &s)
+{
+    s.pending = carve_node(s, XML_NODE_ELEMENT, s.tokenLength + 1);
+    if (s.pending == nullptr) return false;
     char *room = node_text_room(s.pending);
     if (decode_into(s.tokenStart, s.tokenLength, room) == kBadReference) return false;
     s.pending->name = room;
@@ -285,8 +315,7 @@ void link_pending(ParseState &s, bool open)
 
 bool parse_start_tag(ParseState &s)
 {
-    if (s.pending == nullptr || !read_name(s)) return false;
-    if (!store_pending_name(s) || !read_token(s)) return false;
+    if (!read_name(s) || !make_pending(s) || !read_token(s)) return false;
     if (token_is(s, "/>")) {
         if (!split_qname_in_place(s.pending)) return false;
         link_pending(s, false);
@@ -306,7 +335,7 @@ bool parse_attribute(ParseState &s)
 {
     const char *name = s.tokenStart;
     if (name == s.input || !is_space(name[-1]) || is_delimiter(name)) return false;
-    XML_Node *attr = smsutil::xml::alloc_node(XML_NODE_ATTR, s.tokenLength + 1);
+    XML_Node *attr = carve_node(s, XML_NODE_ATTR, s.tokenLength + 1);
     if (attr == nullptr) return false;
     bool ok = split_qname_copy(attr, name, s.tokenLength) && read_token(s) && token_is(s, "=") && read_token(s) &&
               (token_is(s, "\"") || token_is(s, "'"));
@@ -426,25 +455,22 @@ bool parse_prolog(ParseState &s)
     return skip_misc(s);
 }
 
-uint32_t parse_doc(ParseState &s, XML_Node **out)
+[[gnu::flatten]] uint32_t parse_doc(ParseState &s, XML_Node **out)
 {
-    s.pending = new_pending();
-    if (s.pending == nullptr) return XML_ERR_NO_MEMORY;
+    // The first block is taken before anything is read: running out of
+    // memory there is reported as such, not as a syntax error.
+    s.nextChunkSize = kFirstChunkSize;
+    if (!next_chunk(s, 0)) return XML_ERR_NO_MEMORY;
     bool ok = parse_prolog(s) && *s.cursor != '\0';
-    while (ok) {
-        const Step step = parse_step(s);
-        if (step == Step::kEnd) break;
-        if (step == Step::kFail) {
-            ok = false;
-        } else if (*s.cursor != '\0' && s.mode != kModeAttrs && s.pending == nullptr) {
-            s.pending = new_pending();
-            ok = s.pending != nullptr;
-        }
+    for (Step step = Step::kOk; ok && step != Step::kEnd;) {
+        step = parse_step(s);
+        ok = step != Step::kFail;
     }
     // Outer elements may stay open at the end; the last one handled may not.
     ok = ok && s.root != nullptr && !s.currentOpen;
     XML_FreeNode(s.pending);
     s.pending = nullptr;
+    smsutil::xml::release_chunk(s.chunk);
     if (!ok) {
         XML_FreeNode(s.root);
         return XML_ERR_SYNTAX;

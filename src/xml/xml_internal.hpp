@@ -1,6 +1,7 @@
 // Helpers shared by the units of the XML tree library.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -28,21 +29,36 @@ XML_Node *find_attr(const XML_Node *element, const char *prefix, const char *nam
 // their own that the library may use).
 void *alloc_zeroed(std::size_t size);
 
-// Every node block the library allocates holds one byte of flags after the
-// public record.  The parser also stores a node's name (and the prefix
-// split off it) in the same block, after the flags, which saves an
-// allocation per node; a flag tells the release and replacement paths not
-// to hand those strings to the free hook.
+// Node records the parser creates are carved out of larger blocks, one
+// allocation for many nodes.  A block counts the nodes still in it (and
+// the parser's own hold while it carves): the last release gives it back
+// to the free hook.  Atomic, because subtrees of one document may be
+// detached and released by different threads.
+struct NodeChunk {
+    std::atomic<std::uint32_t> refs;
+};
+
+// What follows every node record the library makes: the block holding it
+// (null when the record has a block of its own) and flags.  The parser
+// also stores the node's name, and the prefix split off it, right after
+// this; the flags tell the release and replacement paths not to hand
+// those strings to the free hook.
 enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2 };
-constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + 1;
+struct NodeTail {
+    NodeChunk *chunk;
+    unsigned char flags;
+};
+constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + sizeof(NodeTail);
 
-inline unsigned char &node_flags(XML_Node *node) { return *reinterpret_cast<unsigned char *>(node + 1); }
-inline char *node_text_room(XML_Node *node) { return reinterpret_cast<char *>(node + 1) + 1; }
+inline NodeTail &node_tail(XML_Node *node) { return *reinterpret_cast<NodeTail *>(node + 1); }
+inline unsigned char &node_flags(XML_Node *node) { return node_tail(node).flags; }
+inline char *node_text_room(XML_Node *node) { return reinterpret_cast<char *>(node) + kNodeBlockSize; }
 
-// A node block with room for text_room bytes of strings after the flags;
-// the record and the flags are zeroed, kind set.  Null when the
-// allocation fails.
-XML_Node *alloc_node(uint32_t kind, std::size_t text_room);
+// Zeroes the record and the tail at block and sets kind.
+XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk);
+
+// Drops one reference to chunk, releasing it with the last.
+void release_chunk(NodeChunk *chunk);
 
 // Releases *field of node (its name, value or prefix) unless it lives in
 // the node's block, and sets it to null.
