@@ -21,15 +21,6 @@ int str_cmp_null(const char *a, const char *b)
     return std::strcmp(a, b);
 }
 
-XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
-{
-    std::memset(block, 0, kNodeBlockSize);
-    auto *node = static_cast<XML_Node *>(block);
-    node->kind = kind;
-    node_tail(node).chunk = chunk;
-    return node;
-}
-
 void release_chunk(NodeChunk *chunk)
 {
     if (chunk->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) XML_Free(chunk);

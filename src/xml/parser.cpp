@@ -161,7 +161,9 @@ bool skip_misc(ParseState &s)
 // Moves past the next token.  False when there is none (end of text or a
 // failed skip); a token may have length 0 at a lone "/", "-->" or "]]>",
 // which only text content accepts.
-bool next_token(ParseState &s)
+// The general case: comments, processing instructions and whitespace
+// first, then the token by its first byte.
+bool next_token_after_skip(ParseState &s)
 {
     if (*s.cursor == '\0' || !skip_misc(s) || *s.cursor == '\0') return false;
     const char *c = s.cursor;
@@ -191,6 +193,27 @@ bool next_token(ParseState &s)
     s.cursor = c + len;
     return true;
 }
+
+bool next_token(ParseState &s)
+{
+    const char *c = s.cursor;
+    // Most tokens are a name or value run, or a one-byte delimiter other
+    // than '<', with nothing to skip before them: decided on one byte.
+    std::size_t len = 0;
+    const uint8_t cls = byte_class(*c);
+    if (cls == 0)
+        len = static_cast<std::size_t>(token_end(c) - c);
+    else if (cls == kStop && *c != '<' && *c != '\0')
+        len = 1;
+    else
+        return next_token_after_skip(s);
+    s.tokenStart = c;
+    s.tokenLength = len;
+    s.tokenValid = true;
+    s.cursor = c + len;
+    return true;
+}
+
 
 template <std::size_t N>
 bool token_is(const ParseState &s, const char (&literal)[N])

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "smsutil/ndl_xml.h"
 
@@ -55,7 +56,13 @@ inline unsigned char &node_flags(XML_Node *node) { return node_tail(node).flags;
 inline char *node_text_room(XML_Node *node) { return reinterpret_cast<char *>(node) + kNodeBlockSize; }
 
 // Zeroes the record and the tail at block and sets kind.
-XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk);
+inline XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
+{
+    auto *node = ::new (block) XML_Node{};
+    node->kind = kind;
+    ::new (node + 1) NodeTail{chunk, 0};
+    return node;
+}
 
 // Drops one reference to chunk, releasing it with the last.
 void release_chunk(NodeChunk *chunk);
