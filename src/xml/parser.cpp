@@ -74,7 +74,9 @@ bool is_space(char c) { return (byte_class(c) & kSpace) != 0; }
 
 void skip_space(ParseState &s)
 {
-    while (is_space(*s.cursor)) ++s.cursor;
+    const char *p = s.cursor;
+    while (is_space(*p)) ++p;
+    s.cursor = p;
 }
 
 bool starts_with(const char *text, const char *literal)
@@ -133,8 +135,8 @@ bool skip_misc(ParseState &s)
 {
     for (;;) {
         const char *c = s.cursor;
-        // Called before every token: most tokens start with neither "<!"
-        // nor "<?", so the literal comparisons below are skipped for them.
+        // Most positions start with neither "<!" nor "<?": the literal
+        // comparisons below are skipped for them.
         if (c[0] != '<' || (c[1] != '!' && c[1] != '?')) {
             skip_space(s);
             return true;
@@ -160,32 +162,50 @@ bool skip_misc(ParseState &s)
 
 // Moves past the next token.  False when there is none (end of text or a
 // failed skip); a token may have length 0 at a lone "/", "-->" or "]]>",
-// which only text content accepts.
-// The general case: comments, processing instructions and whitespace
-// first, then the token by its first byte.
-bool next_token_after_skip(ParseState &s)
+// which only text content accepts.  Comments and processing instructions
+// are skipped only where the token would start; whitespace after them,
+// and whitespace before anything else, is skipped as well.
+bool next_token(ParseState &s)
 {
-    if (*s.cursor == '\0' || !skip_misc(s) || *s.cursor == '\0') return false;
     const char *c = s.cursor;
     std::size_t len = 0;
-    switch (*c) {
-    case '"':
-    case '\'':
-    case '=':
-    case '>':
+    // Most tokens are a name or value run, or a one-byte delimiter other
+    // than '<', with nothing to skip before them: decided on one byte.
+    const uint8_t cls = byte_class(*c);
+    if (cls == 0) {
+        len = static_cast<std::size_t>(token_end(c) - c);
+    } else if (cls == kStop && *c != '<' && *c != '\0') {
         len = 1;
-        break;
-    case '<':
-        len = c[1] == '/' ? 2 : 1;
-        break;
-    case '/':
-        len = c[1] == '>' ? 2 : 0;
-        break;
-    default:
-        // A lone "-->" or "]]>" is a token of length 0; anything else runs
-        // to the next delimiter.
-        if (!at_closing_sequence(c)) len = static_cast<std::size_t>(token_end(c) - c);
-        break;
+    } else {
+        if (*c == '\0') return false;
+        if (c[0] == '<' && (c[1] == '!' || c[1] == '?')) {
+            if (!skip_misc(s)) return false;
+            c = s.cursor;
+        } else {
+            while (is_space(*c)) ++c;
+            s.cursor = c;
+        }
+        switch (*c) {
+        case '\0':
+            return false;
+        case '"':
+        case '\'':
+        case '=':
+        case '>':
+            len = 1;
+            break;
+        case '<':
+            len = c[1] == '/' ? 2 : 1;
+            break;
+        case '/':
+            len = c[1] == '>' ? 2 : 0;
+            break;
+        default:
+            // A lone "-->" or "]]>" is a token of length 0; anything else
+            // runs to the next delimiter.
+            if (!at_closing_sequence(c)) len = static_cast<std::size_t>(token_end(c) - c);
+            break;
+        }
     }
     s.tokenStart = c;
     s.tokenLength = len;
@@ -193,27 +213,6 @@ bool next_token_after_skip(ParseState &s)
     s.cursor = c + len;
     return true;
 }
-
-bool next_token(ParseState &s)
-{
-    const char *c = s.cursor;
-    // Most tokens are a name or value run, or a one-byte delimiter other
-    // than '<', with nothing to skip before them: decided on one byte.
-    std::size_t len = 0;
-    const uint8_t cls = byte_class(*c);
-    if (cls == 0)
-        len = static_cast<std::size_t>(token_end(c) - c);
-    else if (cls == kStop && *c != '<' && *c != '\0')
-        len = 1;
-    else
-        return next_token_after_skip(s);
-    s.tokenStart = c;
-    s.tokenLength = len;
-    s.tokenValid = true;
-    s.cursor = c + len;
-    return true;
-}
-
 
 template <std::size_t N>
 bool token_is(const ParseState &s, const char (&literal)[N])
