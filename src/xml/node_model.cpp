@@ -15,12 +15,6 @@ static_assert(sizeof(XML_Node) == 10 * sizeof(void *));
 
 namespace smsutil::xml {
 
-int str_cmp_null(const char *a, const char *b)
-{
-    if (a == nullptr || b == nullptr) return a == b ? 0 : (a == nullptr ? -1 : 1);
-    return std::strcmp(a, b);
-}
-
 void release_chunk(NodeChunk *chunk)
 {
     if (chunk->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) XML_Free(chunk);

@@ -5,6 +5,8 @@
 // prefixes split off names.  One pass, no recursion over nesting depth.
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <new>
 #include <cstring>
 
@@ -34,6 +36,7 @@ enum Mode : uint32_t {
 
 struct ParseState {
     const char *input;
+    const char *end;  // the text's terminating NUL
     const char *cursor;
     const char *tokenStart;
     bool tokenValid;
@@ -117,11 +120,44 @@ bool is_delimiter(const char *p)
     return (cls & kStop) != 0 && *p != '\0';
 }
 
+using Word = std::uintptr_t;
+constexpr Word kLaneOnes = ~Word{0} / 0xFF;
+constexpr Word kLaneHigh = kLaneOnes << 7;
+
+// Lanes of word (one byte each) that may end a token: every byte below
+// '0' (which holds the NUL, the whitespace, the quotes, '-' and '/'), '<',
+// '=', '>' and ']'.  Bytes from 0x80 up never do.  A lane is flagged by
+// its high bit; a few plain bytes ('.', '!', ...) are flagged too and are
+// sorted out by the byte loop.
+Word maybe_stop_lanes(Word word)
+{
+    const Word low7 = word & ~kLaneHigh;
+    const Word below_digits = ~(low7 + kLaneOnes * (0x80 - '0'));
+    const Word from_lt = low7 + kLaneOnes * (0x80 - '<');
+    const Word below_qmark = ~(low7 + kLaneOnes * (0x80 - '?'));
+    const Word bracket = low7 ^ (kLaneOnes * ']');
+    const Word is_bracket = ~((bracket + kLaneOnes * 0x7F) | bracket);
+    return (below_digits | (from_lt & below_qmark) | is_bracket) & ~word & kLaneHigh;
+}
+
 // End of the name or value token starting at p: the first delimiter or
-// the text's NUL.
-const char *token_end(const char *p)
+// the text's NUL (at end).  Where a whole word of the text remains, a
+// word at a time skips the bytes that cannot end the token.
+const char *token_end(const char *p, const char *end)
 {
     for (;;) {
+        if constexpr (std::endian::native == std::endian::little) {
+            while (static_cast<std::size_t>(end - p) >= sizeof(Word)) {
+                Word word;
+                std::memcpy(&word, p, sizeof word);
+                const Word lanes = maybe_stop_lanes(word);
+                if (lanes != 0) {
+                    p += static_cast<unsigned>(std::countr_zero(lanes)) / 8;
+                    break;
+                }
+                p += sizeof(Word);
+            }
+        }
         uint8_t cls;
         while ((cls = byte_class(*p)) == 0) ++p;
         if ((cls & kMaybeClose) == 0 || at_closing_sequence(p)) return p;
@@ -173,7 +209,7 @@ bool next_token(ParseState &s)
     // than '<', with nothing to skip before them: decided on one byte.
     const uint8_t cls = byte_class(*c);
     if (cls == 0) {
-        len = static_cast<std::size_t>(token_end(c) - c);
+        len = static_cast<std::size_t>(token_end(c, s.end) - c);
     } else if (cls == kStop && *c != '<' && *c != '\0') {
         len = 1;
     } else {
@@ -203,7 +239,7 @@ bool next_token(ParseState &s)
         default:
             // A lone "-->" or "]]>" is a token of length 0; anything else
             // runs to the next delimiter.
-            if (!at_closing_sequence(c)) len = static_cast<std::size_t>(token_end(c) - c);
+            if (!at_closing_sequence(c)) len = static_cast<std::size_t>(token_end(c, s.end) - c);
             break;
         }
     }
@@ -510,6 +546,7 @@ uint32_t parse_document(const char *text, bool borrowed, XML_Node **out)
     auto *state = static_cast<ParseState *>(alloc_zeroed(sizeof(ParseState)));
     if (state == nullptr) return XML_ERR_NO_MEMORY;
     state->input = text;
+    state->end = text + std::strlen(text);
     state->cursor = text;
     state->inputBorrowed = borrowed;
     const uint32_t rc = parse_doc(*state, out);

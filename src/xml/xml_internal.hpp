@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 #include "smsutil/ndl_xml.h"
@@ -11,7 +12,11 @@
 namespace smsutil::xml {
 
 // Two nulls are equal, a null differs from every string, else strcmp.
-int str_cmp_null(const char *a, const char *b);
+inline int str_cmp_null(const char *a, const char *b)
+{
+    if (a == nullptr || b == nullptr) return a == b ? 0 : (a == nullptr ? -1 : 1);
+    return std::strcmp(a, b);
+}
 
 // A NUL-terminated string equal to the len bytes at text (which hold no
 // NUL: a shorter name stops the loop at its terminator).
