@@ -7,8 +7,8 @@
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <new>
 #include <cstring>
+#include <new>
 
 #include "xml/xml_internal.hpp"
 
@@ -19,14 +19,15 @@ using smsutil::xml::decode_into;
 using smsutil::xml::kBadReference;
 using smsutil::xml::node_flags;
 using smsutil::xml::node_text_room;
-
 using smsutil::xml::NodeChunk;
 
-// Node blocks start small, for the short files that are the common case,
-// and double up to a size the allocator still serves from its heap.
-constexpr std::size_t kFirstChunkSize = 1000;
-constexpr std::size_t kLastChunkSize = 1000;
-constexpr std::size_t kChunkHeader = (sizeof(NodeChunk) + alignof(XML_Node) - 1) / alignof(XML_Node) * alignof(XML_Node);
+// A node block holds about ten nodes.  It stays below a kilobyte: the
+// allocator treats larger requests as large ones and first merges all its
+// lists of small free blocks, which made every block cost as much as the
+// nodes saved.  Only a longer name takes a larger block.
+constexpr std::size_t kChunkSize = 1000;
+constexpr std::size_t kChunkHeader =
+    (sizeof(NodeChunk) + alignof(XML_Node) - 1) / alignof(XML_Node) * alignof(XML_Node);
 
 enum Mode : uint32_t {
     kModeMarkup = 0,   // a tag is expected, text is not allowed
@@ -46,11 +47,10 @@ struct ParseState {
     XML_Node *pending;  // made by a start tag, not linked yet
     bool currentOpen;
     uint32_t mode;
-    XML_Node *root;  // first element linked: the caller's result
+    XML_Node *root;    // first element linked: the caller's result
     NodeChunk *chunk;  // the block new nodes are carved from (the parser holds a reference)
     char *chunkNext;
     char *chunkEnd;
-    std::size_t nextChunkSize;
 };
 
 enum class Step { kOk, kEnd, kFail };
@@ -166,8 +166,10 @@ const char *token_end(const char *p, const char *end)
 }
 
 // Comments and processing instructions, each followed by whitespace.  A
-// second XML declaration is an error.
-bool skip_misc(ParseState &s)
+// second XML declaration is an error.  Kept out of the flattened driver
+// (as are the prolog and the start of a new node block): rare, and inlined
+// they only crowd the hot loop.
+[[gnu::noinline]] bool skip_misc(ParseState &s)
 {
     for (;;) {
         const char *c = s.cursor;
@@ -311,9 +313,9 @@ bool split_qname_in_place(XML_Node *node)
 
 // Starts a new block of at least need bytes of nodes; the parser's hold on
 // the previous one is given up.
-bool next_chunk(ParseState &s, std::size_t need)
+[[gnu::noinline]] bool next_chunk(ParseState &s, std::size_t need)
 {
-    const std::size_t size = std::max(s.nextChunkSize, kChunkHeader + need);
+    const std::size_t size = std::max(kChunkSize, kChunkHeader + need);
     void *block = XML_Malloc(size);
     if (block == nullptr) return false;
     if (s.chunk != nullptr) smsutil::xml::release_chunk(s.chunk);
@@ -321,7 +323,6 @@ bool next_chunk(ParseState &s, std::size_t need)
     s.chunk->refs.store(1, std::memory_order_relaxed);
     s.chunkNext = static_cast<char *>(block) + kChunkHeader;
     s.chunkEnd = static_cast<char *>(block) + size;
-    s.nextChunkSize = std::min(s.nextChunkSize * 2, kLastChunkSize);
     return true;
 }
 
@@ -497,7 +498,7 @@ bool skip_doctype(ParseState &s)
     return false;
 }
 
-bool parse_prolog(ParseState &s)
+[[gnu::noinline]] bool parse_prolog(ParseState &s)
 {
     skip_space(s);
     if (starts_with(s.cursor, "\xEF\xBB\xBF")) s.cursor += 3;
@@ -513,11 +514,12 @@ bool parse_prolog(ParseState &s)
     return skip_misc(s);
 }
 
+// Everything the driver calls in this file is inlined into it: the parse
+// state then stays in registers across the steps of the hot loop.
 [[gnu::flatten]] uint32_t parse_doc(ParseState &s, XML_Node **out)
 {
     // The first block is taken before anything is read: running out of
     // memory there is reported as such, not as a syntax error.
-    s.nextChunkSize = kFirstChunkSize;
     if (!next_chunk(s, 0)) return XML_ERR_NO_MEMORY;
     bool ok = parse_prolog(s) && *s.cursor != '\0';
     for (Step step = Step::kOk; ok && step != Step::kEnd;) {
