@@ -462,6 +462,12 @@ Step parse_step(ParseState &s)
     if (*s.cursor == '\0') return Step::kEnd;
     if (s.mode == kModeAttrs) return parse_attrs(s) ? Step::kOk : Step::kFail;
     skip_space(s);
+    // Text that starts with a plain byte is a token the dispatch below
+    // would hand to parse_text, which reads only where it starts.
+    if (s.mode == kModeContent && byte_class(*s.cursor) == 0) {
+        s.tokenStart = s.cursor;
+        return parse_text(s) ? Step::kOk : Step::kFail;
+    }
     if (!next_token(s)) return *s.cursor == '\0' ? Step::kOk : Step::kFail;
     bool ok = false;
     if (token_is(s, ">"))
