@@ -102,9 +102,11 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_SetNode(XML_Node *node, const char *pref
     return XML_SetNode(node, prefix, name, value);
 }
 
-extern "C" SMSUTIL_API void XML_FreeSingleNode(XML_Node *node)
+namespace {
+
+// The node's own strings and record; inlined into the tree walk below.
+inline void release_single(XML_Node *node)
 {
-    if (node == nullptr) return;
     const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(node);
     if ((tail.flags & smsutil::xml::kNameInBlock) == 0) XML_Free(node->name);
     XML_Free(node->value);
@@ -113,6 +115,13 @@ extern "C" SMSUTIL_API void XML_FreeSingleNode(XML_Node *node)
         smsutil::xml::release_chunk(tail.chunk);
     else
         XML_Free(node);
+}
+
+}  // namespace
+
+extern "C" SMSUTIL_API void XML_FreeSingleNode(XML_Node *node)
+{
+    if (node != nullptr) release_single(node);
 }
 
 // Walks the chain without recursion so that a deeply nested document
@@ -130,7 +139,7 @@ extern "C" SMSUTIL_API void XML_FreeNode(XML_Node *node)
             node->nextSibling = head;
         }
         XML_Node *next = node->nextSibling;
-        XML_FreeSingleNode(node);
+        release_single(node);
         node = next;
     }
 }
