@@ -1,7 +1,6 @@
 // Entity and character-reference decoding for names, text and attribute
 // values.  Decoding never lengthens the text, so the copy is sized by the
 // raw range.
-#include <cstdint>
 #include <cstring>
 
 #include "xml/xml_internal.hpp"
@@ -32,64 +31,6 @@ int hex_digit(char c)
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
     return -1;
-}
-
-// Whether any byte of word is '&' (the classic zero-byte test on the word
-// xor'ed with copies of '&').
-template <typename Word>
-bool has_ampersand(Word word)
-{
-    constexpr Word kOnes = static_cast<Word>(~Word{0}) / 0xFF;
-    const Word x = word ^ static_cast<Word>(kOnes * '&');
-    return static_cast<Word>((x - kOnes) & ~x & (kOnes << 7)) != 0;
-}
-
-template <typename Word>
-Word load(const char *p)
-{
-    Word word;
-    std::memcpy(&word, p, sizeof word);
-    return word;
-}
-
-template <typename Word>
-void store(char *p, Word word)
-{
-    std::memcpy(p, &word, sizeof word);
-}
-
-// Copies text[0, n) to out when it holds no '&', a word at a time; the
-// last word overlaps the one before it.  False (out partly written) when
-// there is a reference to decode.  Names and values are mostly shorter
-// than sixteen bytes, so this beats both a byte loop and the call
-// overhead of a library search and copy.
-bool copy_plain(const char *text, std::size_t n, char *out)
-{
-    if (n >= 8) {
-        std::size_t i = 0;
-        for (; i + 8 < n; i += 8) {
-            const auto word = load<std::uint64_t>(text + i);
-            if (has_ampersand(word)) return false;
-            store(out + i, word);
-        }
-        const auto last = load<std::uint64_t>(text + n - 8);
-        if (has_ampersand(last)) return false;
-        store(out + n - 8, last);
-        return true;
-    }
-    if (n >= 4) {
-        const auto first = load<std::uint32_t>(text);
-        const auto last = load<std::uint32_t>(text + n - 4);
-        if (has_ampersand(first) || has_ampersand(last)) return false;
-        store(out, first);
-        store(out + n - 4, last);
-        return true;
-    }
-    for (std::size_t i = 0; i < n; ++i) {
-        if (text[i] == '&') return false;
-        out[i] = text[i];
-    }
-    return true;
 }
 
 std::size_t encode_utf8(uint32_t c, char *out)
@@ -139,14 +80,10 @@ std::size_t decode_char_ref(const char *at, const char *end, uint32_t &code)
 
 namespace smsutil::xml {
 
-std::size_t decode_into(const char *text, std::size_t n, char *out)
+std::size_t decode_references(const char *text, std::size_t n, char *out)
 {
     const char *end = text + n;
     char *w = out;
-    if (copy_plain(text, n, out)) {
-        out[n] = '\0';
-        return n;
-    }
     for (const char *p = text; p < end;) {
         if (*p != '&') {
             *w++ = *p++;

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "smsutil/ndl_xml.h"
+#include "xml/plain_copy.hpp"
 
 namespace smsutil::xml {
 
@@ -104,7 +105,13 @@ namespace smsutil::xml {
 // numeric character references (written as UTF-8).  The decoded length,
 // or kBadReference for a malformed or disallowed reference.
 constexpr std::size_t kBadReference = ~std::size_t{0};
-std::size_t decode_into(const char *text, std::size_t n, char *out);
+std::size_t decode_references(const char *text, std::size_t n, char *out);
+inline std::size_t decode_into(const char *text, std::size_t n, char *out)
+{
+    if (!copy_plain(text, n, out)) return decode_references(text, n, out);
+    out[n] = '\0';
+    return n;
+}
 
 // Decoded copy of text[0, n) in a block of its own.  n == 0 stores null
 // and succeeds; a malformed or disallowed reference fails with out
