@@ -5,10 +5,19 @@
 
 namespace smsutil::xml {
 
+namespace {
+
+bool same_key(const XML_Node *attr, const char *prefix, const char *name)
+{
+    return str_cmp_null(attr->prefix, prefix) == 0 && str_cmp_null(attr->name, name) == 0;
+}
+
+}  // namespace
+
 XML_Node *find_attr(const XML_Node *element, const char *prefix, const char *name)
 {
     for (XML_Node *attr = element->firstAttr; attr != nullptr; attr = attr->nextSibling)
-        if (str_cmp_null(attr->prefix, prefix) == 0 && str_cmp_null(attr->name, name) == 0) return attr;
+        if (same_key(attr, prefix, name)) return attr;
     return nullptr;
 }
 
@@ -17,6 +26,7 @@ XML_Node *find_attr(const XML_Node *element, const char *prefix, const char *nam
 namespace {
 
 using smsutil::xml::find_attr;
+using smsutil::xml::same_key;
 
 // Stored prefixes are never empty, so a caller's "" means "no prefix".
 const char *null_if_empty(const char *prefix) { return prefix != nullptr && prefix[0] == '\0' ? nullptr : prefix; }
@@ -64,9 +74,10 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_GetNextSiblingAttr(const XML_Node *eleme
 extern "C" SMSUTIL_API uint32_t XML_AddAttrNode(XML_Node *attribute, XML_Node *element)
 {
     if (attribute == nullptr || element == nullptr) return XML_ERR_PARAM;
-    if (find_attr(element, attribute->prefix, attribute->name) != nullptr) return XML_ERR_EXISTS;
+    // One walk both looks for a duplicate and finds the end of the list.
     XML_Node **tail = &element->firstAttr;
-    while (*tail != nullptr) tail = &(*tail)->nextSibling;
+    for (; *tail != nullptr; tail = &(*tail)->nextSibling)
+        if (same_key(*tail, attribute->prefix, attribute->name)) return XML_ERR_EXISTS;
     *tail = attribute;
     attribute->parent = element;
     return XML_OK;
@@ -106,8 +117,7 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_RemoveAttr(XML_Node *element, const char
     prefix = null_if_empty(prefix);
     for (XML_Node **link = &element->firstAttr; *link != nullptr; link = &(*link)->nextSibling) {
         XML_Node *attr = *link;
-        if (smsutil::xml::str_cmp_null(attr->prefix, prefix) == 0 &&
-            smsutil::xml::str_cmp_null(attr->name, name) == 0) {
+        if (same_key(attr, prefix, name)) {
             *link = attr->nextSibling;
             XML_FreeSingleNode(attr);
             return XML_OK;

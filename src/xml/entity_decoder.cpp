@@ -80,16 +80,10 @@ std::size_t decode_char_ref(const char *at, const char *end, uint32_t &code)
 
 namespace smsutil::xml {
 
-bool copy_decoded(const char *text, std::size_t n, char **out)
+std::size_t decode_references(const char *text, std::size_t n, char *out)
 {
-    if (n == 0) {
-        *out = nullptr;
-        return true;
-    }
-    auto *copy = static_cast<char *>(alloc_zeroed(n + 1));
-    if (copy == nullptr) return false;
     const char *end = text + n;
-    char *w = copy;
+    char *w = out;
     for (const char *p = text; p < end;) {
         if (*p != '&') {
             *w++ = *p++;
@@ -108,12 +102,28 @@ bool copy_decoded(const char *text, std::size_t n, char **out)
             used = decode_char_ref(p, end, code);
             if (used != 0) w += encode_utf8(code, w);
         }
-        if (used == 0) {
-            XML_Free(copy);
-            return false;
-        }
+        if (used == 0) return kBadReference;
         p += used;
     }
+    *w = '\0';
+    return static_cast<std::size_t>(w - out);
+}
+
+bool copy_decoded(const char *text, std::size_t n, char **out)
+{
+    if (n == 0) {
+        *out = nullptr;
+        return true;
+    }
+    auto *copy = static_cast<char *>(XML_Malloc(n + 1));
+    if (copy == nullptr) return false;
+    const std::size_t len = decode_into(text, n, copy);
+    if (len == kBadReference) {
+        XML_Free(copy);
+        return false;
+    }
+    // What decoding saved stays zero, as in a block zeroed up front.
+    if (len < n) std::memset(copy + len, 0, n + 1 - len);
     *out = copy;
     return true;
 }

@@ -15,31 +15,30 @@ static_assert(sizeof(XML_Node) == 10 * sizeof(void *));
 
 namespace smsutil::xml {
 
-int str_cmp_null(const char *a, const char *b)
+void release_chunk(NodeChunk *chunk)
 {
-    if (a == nullptr || b == nullptr) return a == b ? 0 : (a == nullptr ? -1 : 1);
-    return std::strcmp(a, b);
+    if (chunk->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) XML_Free(chunk);
 }
 
-bool name_equals(const char *name, const char *text, std::size_t len)
+void drop_string(XML_Node *node, char **field)
 {
-    return name != nullptr && std::strncmp(name, text, len) == 0 && name[len] == '\0';
+    const unsigned char in_block = field == &node->name ? kNameInBlock : field == &node->prefix ? kPrefixInBlock : 0;
+    unsigned char &flags = node_flags(node);
+    if ((flags & in_block) == 0) XML_Free(*field);
+    flags = static_cast<unsigned char>(flags & ~in_block);
+    *field = nullptr;
 }
 
 }  // namespace smsutil::xml
 
 namespace {
 
-void replace_string(char *&field, char *copy)
-{
-    XML_Free(field);
-    field = copy;
-}
+using smsutil::xml::drop_string;
 
 // A non-null empty argument clears its field.
-void clear_if_empty(char *&field, const char *arg)
+void clear_if_empty(XML_Node *node, char **field, const char *arg)
 {
-    if (arg != nullptr && arg[0] == '\0') replace_string(field, nullptr);
+    if (arg != nullptr && arg[0] == '\0') drop_string(node, field);
 }
 
 bool present(const char *text) { return text != nullptr && text[0] != '\0'; }
@@ -48,9 +47,8 @@ bool present(const char *text) { return text != nullptr && text[0] != '\0'; }
 
 extern "C" SMSUTIL_API XML_Node *XML_NewNode(uint32_t kind)
 {
-    auto *node = static_cast<XML_Node *>(smsutil::xml::alloc_zeroed(sizeof(XML_Node)));
-    if (node != nullptr) node->kind = kind;
-    return node;
+    void *block = XML_Malloc(smsutil::xml::kNodeBlockSize);
+    return block != nullptr ? smsutil::xml::init_node(block, kind, nullptr) : nullptr;
 }
 
 extern "C" SMSUTIL_API char *XML_Strdup(const char *text)
@@ -72,8 +70,11 @@ extern "C" SMSUTIL_API uint32_t XML_SetNode(XML_Node *node, const char *prefix, 
         }
     }
     char **fields[3] = {&node->prefix, &node->name, &node->value};
-    for (int i = 0; i < 3; ++i)
-        if (copies[i] != nullptr) replace_string(*fields[i], copies[i]);
+    for (int i = 0; i < 3; ++i) {
+        if (copies[i] == nullptr) continue;
+        drop_string(node, fields[i]);
+        *fields[i] = copies[i];
+    }
     return XML_OK;
 }
 
@@ -95,19 +96,32 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_CreateNode(uint32_t reserved, const char
 extern "C" SMSUTIL_API uint32_t NDL_XML_SetNode(XML_Node *node, const char *prefix, const char *name, const char *value)
 {
     if (node == nullptr) return XML_ERR_PARAM;
-    clear_if_empty(node->prefix, prefix);
-    clear_if_empty(node->name, name);
-    clear_if_empty(node->value, value);
+    clear_if_empty(node, &node->prefix, prefix);
+    clear_if_empty(node, &node->name, name);
+    clear_if_empty(node, &node->value, value);
     return XML_SetNode(node, prefix, name, value);
 }
 
+namespace {
+
+// The node's own strings and record; inlined into the tree walk below.
+inline void release_single(XML_Node *node)
+{
+    const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(node);
+    if ((tail.flags & smsutil::xml::kNameInBlock) == 0) XML_Free(node->name);
+    XML_Free(node->value);
+    if ((tail.flags & smsutil::xml::kPrefixInBlock) == 0) XML_Free(node->prefix);
+    if (tail.chunk != nullptr)
+        smsutil::xml::release_chunk(tail.chunk);
+    else
+        XML_Free(node);
+}
+
+}  // namespace
+
 extern "C" SMSUTIL_API void XML_FreeSingleNode(XML_Node *node)
 {
-    if (node == nullptr) return;
-    XML_Free(node->name);
-    XML_Free(node->value);
-    XML_Free(node->prefix);
-    XML_Free(node);
+    if (node != nullptr) release_single(node);
 }
 
 // Walks the chain without recursion so that a deeply nested document
@@ -125,7 +139,7 @@ extern "C" SMSUTIL_API void XML_FreeNode(XML_Node *node)
             node->nextSibling = head;
         }
         XML_Node *next = node->nextSibling;
-        XML_FreeSingleNode(node);
+        release_single(node);
         node = next;
     }
 }

@@ -3,13 +3,31 @@
 // skipped comments, processing instructions, XML declaration and document
 // type declaration, entities and character references, and namespace
 // prefixes split off names.  One pass, no recursion over nesting depth.
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
+#include <new>
 
 #include "xml/xml_internal.hpp"
 
 namespace {
 
 using smsutil::xml::copy_decoded;
+using smsutil::xml::decode_into;
+using smsutil::xml::kBadReference;
+using smsutil::xml::node_flags;
+using smsutil::xml::node_text_room;
+using smsutil::xml::NodeChunk;
+
+// A node block holds about ten nodes.  It stays below a kilobyte: the
+// allocator treats larger requests as large ones and first merges all its
+// lists of small free blocks, which made every block cost as much as the
+// nodes saved.  Only a longer name takes a larger block.
+constexpr std::size_t kChunkSize = 1000;
+constexpr std::size_t kChunkHeader =
+    (sizeof(NodeChunk) + alignof(XML_Node) - 1) / alignof(XML_Node) * alignof(XML_Node);
 
 enum Mode : uint32_t {
     kModeMarkup = 0,   // a tag is expected, text is not allowed
@@ -19,25 +37,49 @@ enum Mode : uint32_t {
 
 struct ParseState {
     const char *input;
+    const char *end;  // the text's terminating NUL
     const char *cursor;
     const char *tokenStart;
     bool tokenValid;
     bool inputBorrowed;
     std::size_t tokenLength;
     XML_Node *current;  // element most recently linked, or returned to by an end tag
-    XML_Node *pending;  // allocated ahead for the next start tag
+    XML_Node *pending;  // made by a start tag, not linked yet
     bool currentOpen;
     uint32_t mode;
-    XML_Node *root;  // first element linked: the caller's result
+    XML_Node *root;    // first element linked: the caller's result
+    NodeChunk *chunk;  // the block new nodes are carved from (the parser holds a reference)
+    char *chunkNext;
+    char *chunkEnd;
 };
 
 enum class Step { kOk, kEnd, kFail };
 
-bool is_space(char c) { return c == '\n' || c == '\t' || c == '\r' || c == ' '; }
+// Byte classes, looked up once per byte while scanning.  A byte of class 0
+// continues a name or value token.
+enum ByteClass : uint8_t {
+    kSpace = 1,       // whitespace: skipped between tokens
+    kStop = 2,        // ends a token: the delimiters and the terminating NUL
+    kMaybeClose = 4,  // ']', '-', '/': end a token only as "]]>", "-->", "/>"
+};
+
+constexpr auto kByteClass = [] {
+    std::array<uint8_t, 256> table{};
+    for (const unsigned char c : {'\n', '\t', '\r', ' '}) table[c] = kSpace | kStop;
+    for (const unsigned char c : {'>', '<', '=', '"', '\'', '\0'}) table[c] = kStop;
+    for (const unsigned char c : {']', '-', '/'}) table[c] = kMaybeClose;
+    return table;
+}();
+
+uint8_t byte_class(char c) { return kByteClass[static_cast<unsigned char>(c)]; }
+
+bool is_space(char c) { return (byte_class(c) & kSpace) != 0; }
 
 void skip_space(ParseState &s)
 {
-    while (is_space(*s.cursor)) ++s.cursor;
+    const char *p = s.cursor;
+    while (is_space(*p)) ++p;
+    s.cursor = p;
 }
 
 bool starts_with(const char *text, const char *literal)
@@ -55,40 +97,84 @@ bool starts_with_nocase(const char *text, const char *literal)
     return true;
 }
 
-bool is_delimiter(const char *p)
+// At "]]>", "-->" or "/>".  Each byte is compared only after the one
+// before it matched, so nothing past the text's NUL is read.
+bool at_closing_sequence(const char *p)
 {
     switch (*p) {
-    case '>':
-    case '<':
-    case '=':
-    case '"':
-    case '\'':
-    case '\r':
-    case ' ':
-    case '\n':
-    case '\t':
-        return true;
-    // The closing sequences are looked for only at their first character:
-    // this runs for every character of every name and value.
     case ']':
-        return starts_with(p, "]]>");
+        return p[1] == ']' && p[2] == '>';
     case '-':
-        return starts_with(p, "-->");
+        return p[1] == '-' && p[2] == '>';
     case '/':
-        return starts_with(p, "/>");
+        return p[1] == '>';
     default:
         return false;
     }
 }
 
+bool is_delimiter(const char *p)
+{
+    const uint8_t cls = byte_class(*p);
+    if ((cls & kMaybeClose) != 0) return at_closing_sequence(p);
+    return (cls & kStop) != 0 && *p != '\0';
+}
+
+using Word = std::uintptr_t;
+constexpr Word kLaneOnes = ~Word{0} / 0xFF;
+constexpr Word kLaneHigh = kLaneOnes << 7;
+
+// Lanes of word (one byte each) that may end a token: every byte below
+// '0' (which holds the NUL, the whitespace, the quotes, '-' and '/'), '<',
+// '=', '>' and ']'.  Bytes from 0x80 up never do.  A lane is flagged by
+// its high bit; a few plain bytes ('.', '!', ...) are flagged too and are
+// sorted out by the byte loop.
+Word maybe_stop_lanes(Word word)
+{
+    const Word low7 = word & ~kLaneHigh;
+    const Word below_digits = ~(low7 + kLaneOnes * (0x80 - '0'));
+    const Word from_lt = low7 + kLaneOnes * (0x80 - '<');
+    const Word below_qmark = ~(low7 + kLaneOnes * (0x80 - '?'));
+    const Word bracket = low7 ^ (kLaneOnes * ']');
+    const Word is_bracket = ~((bracket + kLaneOnes * 0x7F) | bracket);
+    return (below_digits | (from_lt & below_qmark) | is_bracket) & ~word & kLaneHigh;
+}
+
+// End of the name or value token starting at p: the first delimiter or
+// the text's NUL (at end).  Where a whole word of the text remains, a
+// word at a time skips the bytes that cannot end the token.
+const char *token_end(const char *p, const char *end)
+{
+    for (;;) {
+        if constexpr (std::endian::native == std::endian::little) {
+            while (static_cast<std::size_t>(end - p) >= sizeof(Word)) {
+                Word word;
+                std::memcpy(&word, p, sizeof word);
+                const Word lanes = maybe_stop_lanes(word);
+                if (lanes != 0) {
+                    p += static_cast<unsigned>(std::countr_zero(lanes)) / 8;
+                    break;
+                }
+                p += sizeof(Word);
+            }
+        }
+        uint8_t cls;
+        while ((cls = byte_class(*p)) == 0) ++p;
+        if ((cls & kMaybeClose) == 0 || at_closing_sequence(p)) return p;
+        ++p;
+    }
+}
+
 // Comments and processing instructions, each followed by whitespace.  A
-// second XML declaration is an error.
-bool skip_misc(ParseState &s)
+// second XML declaration is an error.  Kept out of the flattened driver
+// (as are the prolog and the start of a new node block): rare, and inlined
+// they only crowd the hot loop.
+[[gnu::noinline]] bool skip_misc(ParseState &s)
 {
     for (;;) {
         const char *c = s.cursor;
-        // Called before every token: most tokens start with neither "<!"
-        // nor "<?", so the literal comparisons below are skipped for them.
+        // Most positions start with neither "<!" nor "<?": the literal
+        // comparisons below are skipped for them.
         if (c[0] != '<' || (c[1] != '!' && c[1] != '?')) {
             skip_space(s);
             return true;
@@ -114,20 +200,51 @@ bool skip_misc(ParseState &s)
 
 // Moves past the next token.  False when there is none (end of text or a
 // failed skip); a token may have length 0 at a lone "/", "-->" or "]]>",
-// which only text content accepts.
+// which only text content accepts.  Comments and processing instructions
+// are skipped only where the token would start; whitespace after them,
+// and whitespace before anything else, is skipped as well.
 bool next_token(ParseState &s)
 {
-    if (*s.cursor == '\0' || !skip_misc(s) || *s.cursor == '\0') return false;
     const char *c = s.cursor;
     std::size_t len = 0;
-    if (*c == '"' || *c == '\'' || *c == '=' || *c == '>' || (*c == '<' && c[1] != '/'))
+    // Most tokens are a name or value run, or a one-byte delimiter other
+    // than '<', with nothing to skip before them: decided on one byte.
+    const uint8_t cls = byte_class(*c);
+    if (cls == 0) {
+        len = static_cast<std::size_t>(token_end(c, s.end) - c);
+    } else if (cls == kStop && *c != '<' && *c != '\0') {
         len = 1;
-    else if (starts_with(c, "</") || starts_with(c, "/>"))
-        len = 2;
-    else if (*c == '/' || starts_with(c, "-->") || starts_with(c, "]]>"))
-        len = 0;
-    else
-        while (c[len] != '\0' && !is_delimiter(c + len)) ++len;
+    } else {
+        if (*c == '\0') return false;
+        if (c[0] == '<' && (c[1] == '!' || c[1] == '?')) {
+            if (!skip_misc(s)) return false;
+            c = s.cursor;
+        } else {
+            while (is_space(*c)) ++c;
+            s.cursor = c;
+        }
+        switch (*c) {
+        case '\0':
+            return false;
+        case '"':
+        case '\'':
+        case '=':
+        case '>':
+            len = 1;
+            break;
+        case '<':
+            len = c[1] == '/' ? 2 : 1;
+            break;
+        case '/':
+            len = c[1] == '>' ? 2 : 0;
+            break;
+        default:
+            // A lone "-->" or "]]>" is a token of length 0; anything else
+            // runs to the next delimiter.
+            if (!at_closing_sequence(c)) len = static_cast<std::size_t>(token_end(c, s.end) - c);
+            break;
+        }
+    }
     s.tokenStart = c;
     s.tokenLength = len;
     s.tokenValid = true;
@@ -135,9 +252,10 @@ bool next_token(ParseState &s)
     return true;
 }
 
-bool token_is(const ParseState &s, const char *literal)
+template <std::size_t N>
+bool token_is(const ParseState &s, const char (&literal)[N])
 {
-    return s.tokenLength == std::strlen(literal) && std::memcmp(s.tokenStart, literal, s.tokenLength) == 0;
+    return s.tokenLength == N - 1 && std::memcmp(s.tokenStart, literal, N - 1) == 0;
 }
 
 bool read_token(ParseState &s) { return next_token(s) && s.tokenLength > 0; }
@@ -150,30 +268,86 @@ bool token_equals_name(const ParseState &s, const XML_Node *node)
     return smsutil::xml::name_equals(node->name, s.tokenStart, s.tokenLength);
 }
 
-// Splits a raw attribute name into decoded prefix and name.
+// Splits a raw attribute name of len bytes into decoded prefix and name,
+// both kept in the attribute's block (len + 1 bytes of room: decoding never
+// lengthens, and the colon's byte takes the prefix's terminator).
 bool split_qname_copy(XML_Node *node, const char *raw, std::size_t len)
 {
+    char *room = node_text_room(node);
     const auto *colon = static_cast<const char *>(std::memchr(raw, ':', len));
-    if (colon == nullptr) return copy_decoded(raw, len, &node->name);
+    if (colon == nullptr) {
+        if (decode_into(raw, len, room) == kBadReference) return false;
+        node->name = room;
+        node_flags(node) |= smsutil::xml::kNameInBlock;
+        return true;
+    }
     const auto before = static_cast<std::size_t>(colon - raw);
     if (before == 0 || before == len - 1) return false;
-    return copy_decoded(raw, before, &node->prefix) && copy_decoded(colon + 1, len - before - 1, &node->name);
+    const std::size_t prefix_len = decode_into(raw, before, room);
+    if (prefix_len == kBadReference) return false;
+    char *local = room + prefix_len + 1;
+    if (decode_into(colon + 1, len - before - 1, local) == kBadReference) return false;
+    node->prefix = room;
+    node->name = local;
+    node_flags(node) |= smsutil::xml::kNameInBlock | smsutil::xml::kPrefixInBlock;
+    return true;
 }
 
 // Splits an element's stored (already decoded) name once it is closed,
-// after the end tag has been compared with the whole name.
+// after the end tag has been compared with the whole name.  The parser
+// keeps element names in the node's block: the colon becomes the prefix's
+// terminator.
 bool split_qname_in_place(XML_Node *node)
 {
     char *name = node->name;
     char *colon = name != nullptr ? std::strchr(name, ':') : nullptr;
     if (colon == nullptr) return true;
-    const std::size_t len = std::strlen(name);
-    if (colon == name || colon == name + len - 1) return false;
-    char *prefix = smsutil::xml::copy_bytes(name, static_cast<std::size_t>(colon - name));
-    if (prefix == nullptr) return false;
-    XML_Free(node->prefix);
-    node->prefix = prefix;
-    std::memmove(name, colon + 1, std::strlen(colon + 1) + 1);
+    if (colon == name || colon[1] == '\0') return false;
+    *colon = '\0';
+    smsutil::xml::drop_string(node, &node->prefix);
+    node->prefix = name;
+    node->name = colon + 1;
+    node_flags(node) |= smsutil::xml::kPrefixInBlock;
+    return true;
+}
+
+// Starts a new block of at least need bytes of nodes; the parser's hold on
+// the previous one is given up.
+[[gnu::noinline]] bool next_chunk(ParseState &s, std::size_t need)
+{
+    const std::size_t size = std::max(kChunkSize, kChunkHeader + need);
+    void *block = XML_Malloc(size);
+    if (block == nullptr) return false;
+    if (s.chunk != nullptr) smsutil::xml::release_chunk(s.chunk);
+    s.chunk = new (block) NodeChunk{};
+    s.chunk->refs.store(1, std::memory_order_relaxed);
+    s.chunkNext = static_cast<char *>(block) + kChunkHeader;
+    s.chunkEnd = static_cast<char *>(block) + size;
+    return true;
+}
+
+// A zeroed node of the given kind with text_room bytes for its names.
+XML_Node *carve_node(ParseState &s, uint32_t kind, std::size_t text_room)
+{
+    constexpr std::size_t align = alignof(XML_Node);
+    const std::size_t need = (smsutil::xml::kNodeBlockSize + text_room + align - 1) / align * align;
+    if (static_cast<std::size_t>(s.chunkEnd - s.chunkNext) < need && !next_chunk(s, need)) return nullptr;
+    XML_Node *node = smsutil::xml::init_node(s.chunkNext, kind, s.chunk);
+    s.chunkNext += need;
+    s.chunk->refs.fetch_add(1, std::memory_order_relaxed);
+    return node;
+}
+
+// The element of a start tag, named by the current token (decoded, in the
+// node's block), made pending.
+bool make_pending(ParseState &s)
+{
+    s.pending = carve_node(s, XML_NODE_ELEMENT, s.tokenLength + 1);
+    if (s.pending == nullptr) return false;
+    char *room = node_text_room(s.pending);
+    if (decode_into(s.tokenStart, s.tokenLength, room) == kBadReference) return false;
+    s.pending->name = room;
+    node_flags(s.pending) |= smsutil::xml::kNameInBlock;
     return true;
 }
 
@@ -200,8 +374,7 @@ void link_pending(ParseState &s, bool open)
 
 bool parse_start_tag(ParseState &s)
 {
-    if (s.pending == nullptr || !read_name(s)) return false;
-    if (!copy_decoded(s.tokenStart, s.tokenLength, &s.pending->name) || !read_token(s)) return false;
+    if (!read_name(s) || !make_pending(s) || !read_token(s)) return false;
     if (token_is(s, "/>")) {
         if (!split_qname_in_place(s.pending)) return false;
         link_pending(s, false);
@@ -221,7 +394,7 @@ bool parse_attribute(ParseState &s)
 {
     const char *name = s.tokenStart;
     if (name == s.input || !is_space(name[-1]) || is_delimiter(name)) return false;
-    XML_Node *attr = XML_NewNode(XML_NODE_ATTR);
+    XML_Node *attr = carve_node(s, XML_NODE_ATTR, s.tokenLength + 1);
     if (attr == nullptr) return false;
     bool ok = split_qname_copy(attr, name, s.tokenLength) && read_token(s) && token_is(s, "=") && read_token(s) &&
               (token_is(s, "\"") || token_is(s, "'"));
@@ -289,6 +462,12 @@ Step parse_step(ParseState &s)
     if (*s.cursor == '\0') return Step::kEnd;
     if (s.mode == kModeAttrs) return parse_attrs(s) ? Step::kOk : Step::kFail;
     skip_space(s);
+    // Text that starts with a plain byte is a token the dispatch below
+    // would hand to parse_text, which reads only where it starts.
+    if (s.mode == kModeContent && byte_class(*s.cursor) == 0) {
+        s.tokenStart = s.cursor;
+        return parse_text(s) ? Step::kOk : Step::kFail;
+    }
     if (!next_token(s)) return *s.cursor == '\0' ? Step::kOk : Step::kFail;
     bool ok = false;
     if (token_is(s, ">"))
@@ -325,7 +504,7 @@ bool skip_doctype(ParseState &s)
     return false;
 }
 
-bool parse_prolog(ParseState &s)
+[[gnu::noinline]] bool parse_prolog(ParseState &s)
 {
     skip_space(s);
     if (starts_with(s.cursor, "\xEF\xBB\xBF")) s.cursor += 3;
@@ -341,25 +520,23 @@ bool parse_prolog(ParseState &s)
     return skip_misc(s);
 }
 
-uint32_t parse_doc(ParseState &s, XML_Node **out)
+// Everything the driver calls in this file is inlined into it: the parse
+// state then stays in registers across the steps of the hot loop.
+[[gnu::flatten]] uint32_t parse_doc(ParseState &s, XML_Node **out)
 {
-    s.pending = XML_NewNode(XML_NODE_ELEMENT);
-    if (s.pending == nullptr) return XML_ERR_NO_MEMORY;
+    // The first block is taken before anything is read: running out of
+    // memory there is reported as such, not as a syntax error.
+    if (!next_chunk(s, 0)) return XML_ERR_NO_MEMORY;
     bool ok = parse_prolog(s) && *s.cursor != '\0';
-    while (ok) {
-        const Step step = parse_step(s);
-        if (step == Step::kEnd) break;
-        if (step == Step::kFail) {
-            ok = false;
-        } else if (*s.cursor != '\0' && s.mode != kModeAttrs && s.pending == nullptr) {
-            s.pending = XML_NewNode(XML_NODE_ELEMENT);
-            ok = s.pending != nullptr;
-        }
+    for (Step step = Step::kOk; ok && step != Step::kEnd;) {
+        step = parse_step(s);
+        ok = step != Step::kFail;
     }
     // Outer elements may stay open at the end; the last one handled may not.
     ok = ok && s.root != nullptr && !s.currentOpen;
     XML_FreeNode(s.pending);
     s.pending = nullptr;
+    smsutil::xml::release_chunk(s.chunk);
     if (!ok) {
         XML_FreeNode(s.root);
         return XML_ERR_SYNTAX;
@@ -377,6 +554,7 @@ uint32_t parse_document(const char *text, bool borrowed, XML_Node **out)
     auto *state = static_cast<ParseState *>(alloc_zeroed(sizeof(ParseState)));
     if (state == nullptr) return XML_ERR_NO_MEMORY;
     state->input = text;
+    state->end = text + std::strlen(text);
     state->cursor = text;
     state->inputBorrowed = borrowed;
     const uint32_t rc = parse_doc(*state, out);

@@ -1,18 +1,33 @@
 // Helpers shared by the units of the XML tree library.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <new>
 
 #include "smsutil/ndl_xml.h"
+#include "xml/plain_copy.hpp"
 
 namespace smsutil::xml {
 
 // Two nulls are equal, a null differs from every string, else strcmp.
-int str_cmp_null(const char *a, const char *b);
+inline int str_cmp_null(const char *a, const char *b)
+{
+    if (a == nullptr || b == nullptr) return a == b ? 0 : (a == nullptr ? -1 : 1);
+    return std::strcmp(a, b);
+}
 
-// A NUL-terminated string equal to the len bytes at text.
-bool name_equals(const char *name, const char *text, std::size_t len);
+// A NUL-terminated string equal to the len bytes at text (which hold no
+// NUL: a shorter name stops the loop at its terminator).
+inline bool name_equals(const char *name, const char *text, std::size_t len)
+{
+    if (name == nullptr) return false;
+    for (std::size_t i = 0; i < len; ++i)
+        if (name[i] != text[i]) return false;
+    return name[len] == '\0';
+}
 
 // First attribute of element whose (prefix, name) pair compares equal.
 XML_Node *find_attr(const XML_Node *element, const char *prefix, const char *name);
@@ -20,6 +35,47 @@ XML_Node *find_attr(const XML_Node *element, const char *prefix, const char *nam
 // An allocated, zero-filled block (the hooks have no zeroing allocator of
 // their own that the library may use).
 void *alloc_zeroed(std::size_t size);
+
+// Node records the parser creates are carved out of larger blocks, one
+// allocation for many nodes.  A block counts the nodes still in it (and
+// the parser's own hold while it carves): the last release gives it back
+// to the free hook.  Atomic, because subtrees of one document may be
+// detached and released by different threads.
+struct NodeChunk {
+    std::atomic<std::uint32_t> refs;
+};
+
+// What follows every node record the library makes: the block holding it
+// (null when the record has a block of its own) and flags.  The parser
+// also stores the node's name, and the prefix split off it, right after
+// this; the flags tell the release and replacement paths not to hand
+// those strings to the free hook.
+enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2 };
+struct NodeTail {
+    NodeChunk *chunk;
+    unsigned char flags;
+};
+constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + sizeof(NodeTail);
+
+inline NodeTail &node_tail(XML_Node *node) { return *reinterpret_cast<NodeTail *>(node + 1); }
+inline unsigned char &node_flags(XML_Node *node) { return node_tail(node).flags; }
+inline char *node_text_room(XML_Node *node) { return reinterpret_cast<char *>(node) + kNodeBlockSize; }
+
+// Zeroes the record and the tail at block and sets kind.
+inline XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
+{
+    auto *node = ::new (block) XML_Node{};
+    node->kind = kind;
+    ::new (node + 1) NodeTail{chunk, 0};
+    return node;
+}
+
+// Drops one reference to chunk, releasing it with the last.
+void release_chunk(NodeChunk *chunk);
+
+// Releases *field of node (its name, value or prefix) unless it lives in
+// the node's block, and sets it to null.
+void drop_string(XML_Node *node, char **field);
 
 // Allocated copy of len bytes plus a terminator; null for len 0 or when
 // the allocation fails.
@@ -44,9 +100,22 @@ std::uint32_t read_file(const char *path, char **out_text);
 
 namespace smsutil::xml {
 
-// Decoded copy of text[0, n): the five predefined entities and numeric
-// character references (written as UTF-8).  n == 0 stores null and
-// succeeds; a malformed or disallowed reference fails with out untouched.
+// Decodes text[0, n) into out, which has room for n + 1 bytes (decoding
+// never lengthens), and terminates it: the five predefined entities and
+// numeric character references (written as UTF-8).  The decoded length,
+// or kBadReference for a malformed or disallowed reference.
+constexpr std::size_t kBadReference = ~std::size_t{0};
+std::size_t decode_references(const char *text, std::size_t n, char *out);
+inline std::size_t decode_into(const char *text, std::size_t n, char *out)
+{
+    if (!copy_plain(text, n, out)) return decode_references(text, n, out);
+    out[n] = '\0';
+    return n;
+}
+
+// Decoded copy of text[0, n) in a block of its own.  n == 0 stores null
+// and succeeds; a malformed or disallowed reference fails with out
+// untouched.
 bool copy_decoded(const char *text, std::size_t n, char **out);
 
 }  // namespace smsutil::xml
