@@ -66,6 +66,15 @@ perf-check: deps
 	bench/scripts/perf_check.sh bench/instruction_budget.txt \
 		build/bench/bench/smsutil_probe build/bench-notrace/bench/smsutil_probe
 
+# The library beside other XML parsers and an SMS decoder on the same
+# inputs, in instructions per call; each peer is measured when its Debian
+# development package is installed.
+.PHONY: bench-peers
+bench-peers: deps
+	cmake --preset bench-notrace
+	cmake --build --preset bench-notrace --target smsutil_peers
+	bench/scripts/instructions_per_call.sh build/bench-notrace/bench/peers/smsutil_peers
+
 .PHONY: bench
 bench:
 	cmake --preset bench

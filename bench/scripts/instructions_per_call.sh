@@ -16,8 +16,8 @@ irefs() {
 }
 for entry in "$@"; do
     case $entry in
-    xml_parse_1m) k=3 ;;
-    get_node_or_attr | xml_parse_4k) k=20 ;;
+    xml_parse_1m*) k=3 ;;
+    get_node_or_attr* | xml_parse_4k*) k=20 ;;
     *) k=100 ;;
     esac
     one=$(irefs "$entry" 1)
