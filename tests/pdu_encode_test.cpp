@@ -108,6 +108,7 @@ TEST(PduEncode, ChoosesTablesAndCutsAtEveryBoundary)
         {times(dotless_i, 298), 1u << T, false, {2, G7, T, 0, 298, 160}},
         {times(dotless_i, 299), 1u << T, false, {3, G7, T, 0, 298, 160}},
         {s_cedilla, 1u << S, false, {1, U2, 0, 0, 2, 2}},
+        {"\xDF\xBF", 0, false, {1, U2, 0, 0, 2, 2}},  // the highest two-byte lead
         {"\302\277C\xC3\xB3mo est\xC3\xA1s, se\xC3\xB1or?", kAll, false, {1, G7, 0, S, 23, 26}},
         {"N\xC3\xA3o h\xC3\xA1 a\xC3\xA7\xC3\xA3o", kAll, false, {1, G7, 0, P, 15, 20}},
         {s_cedilla + " \xC3\xAA", kAll, false, {1, G7, T, P, 5, 12}}};

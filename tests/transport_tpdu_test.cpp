@@ -199,6 +199,10 @@ TEST(CommandEncode, KnownTpduAndItsLimits)
     EXPECT_EQ(heap.allocations(), 0u);
     EXPECT_EQ(hex_of(raw), "22050001030491214302ABCD");
     EXPECT_EQ(raw.tpdu_type, WMS_TPDU_TYPE_COMMAND);
+    cmd.user_data_header_present = 1;
+    ASSERT_EQ(wms_ts_encode_command(&cmd, &raw), WMS_TS_STATUS_OK);
+    EXPECT_EQ(hex_of(raw).substr(0, 2), "62");
+    cmd.user_data_header_present = 0;
 
     std::memset(cmd.command_data, 0x5A, sizeof cmd.command_data);
     cmd.command_data_length = 255 - 10;  // exactly fills the TPDU
