@@ -27,22 +27,30 @@ bool direct_to_utf8(const uint8_t *codes, uint32_t count, uint32_t coding, uint3
                     smsutil::common::OctetWriter &out)
 {
     if (lang_shift == WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT) return false;
-    const auto &main_row = g_GSM_7BitTable[GSM7_CODING_DEFAULT];
-    const auto &ext_row = g_GSM_7BitExtTable[decoding_row(coding)];
+    // A code gives at most three bytes (an escaped pair as well), and a
+    // plain code is copied as four: with this much room no character needs
+    // a check of its own.
+    if (out.remaining() < 3 * static_cast<std::size_t>(count) + 1) return false;
+    uint8_t *const start = out.unwritten().data();
+    uint8_t *p = start;
     for (uint32_t i = 0; i < count; ++i) {
-        uint8_t code = codes[i];
-        const auto *row = &main_row;
-        if (code == kEscape) {
-            if (++i >= count) return false;
-            code = codes[i];
-            row = &ext_row;
+        const uint8_t code = codes[i];
+        if (code >= kCodeCount) return false;
+        const Utf8Code &utf8 = kDefaultRowUtf8[code];
+        if (utf8.length != 0) {
+            std::memcpy(p, &utf8, sizeof utf8);
+            p += utf8.length;
+            continue;
         }
-        const uint32_t value = code < kCodeCount ? (*row)[code] : kNoCharacter;
+        if (code != kEscape || ++i >= count) return false;
+        const uint32_t value = gsm7_value(g_GSM_7BitExtTable, coding, codes[i]);
         // A zero unit would end the text early; the general path keeps that.
         if (value == 0 || value >= kNoCharacter) return false;
-        if (!put_utf8(out, static_cast<uint16_t>(value))) return false;
+        smsutil::common::OctetWriter pair(p, kMaxUtf8Sequence);
+        put_utf8(pair, static_cast<uint16_t>(value));
+        p += pair.position();
     }
-    return true;
+    return out.advance(static_cast<std::size_t>(p - start));
 }
 
 }  // namespace

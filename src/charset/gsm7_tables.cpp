@@ -153,7 +153,25 @@ constexpr inverse_detail::InverseTable<kInversePages> kInverse =
 static_assert(inverse_detail::is_exact(kInverse, g_GSM_7BitTable, g_GSM_7BitExtTable),
               "some character cannot be found again by the reverse look-up");
 
+constexpr Utf8Code utf8_code(std::uint32_t unit)
+{
+    if (unit == 0 || unit == kEscape || unit >= kNoCharacter) return {{0, 0, 0}, 0};
+    if (unit < 0x80) return {{static_cast<std::uint8_t>(unit), 0, 0}, 1};
+    if (unit < 0x800)
+        return {{static_cast<std::uint8_t>(0xC0 | unit >> 6), static_cast<std::uint8_t>(0x80 | (unit & 0x3F)), 0}, 2};
+    return {{static_cast<std::uint8_t>(0xE0 | unit >> 12), static_cast<std::uint8_t>(0x80 | ((unit >> 6) & 0x3F)),
+             static_cast<std::uint8_t>(0x80 | (unit & 0x3F))},
+            3};
+}
+
 }  // namespace
+
+constexpr std::array<Utf8Code, kCodeCount> kDefaultRowUtf8 = [] {
+    std::array<Utf8Code, kCodeCount> row{};
+    for (std::uint32_t c = 0; c < kCodeCount; ++c) row[c] = utf8_code(g_GSM_7BitTable[GSM7_CODING_DEFAULT][c]);
+    return row;
+}();
+static_assert(sizeof(Utf8Code) == 4);
 
 Gsm7Code find_gsm7_code(std::uint32_t row, std::uint16_t unit)
 {

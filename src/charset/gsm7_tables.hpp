@@ -2,6 +2,7 @@
 // way to read an entry.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "smsutil/sms_charset.h"
@@ -28,5 +29,16 @@ constexpr std::uint32_t gsm7_value(const Gsm7Rows &table, std::uint32_t coding, 
 {
     return code < kCodeCount ? table[decoding_row(coding)][code] : kNoCharacter;
 }
+
+// One code's character as UTF-8, ready to be copied as four bytes of
+// which `length` count.  A length of 0 marks a code that needs more than a
+// look-up: the escape, and a character that would end the text.
+struct Utf8Code {
+    std::uint8_t bytes[3];
+    std::uint8_t length;
+};
+
+// The default alphabet as UTF-8, for the usual received text.
+extern const std::array<Utf8Code, kCodeCount> kDefaultRowUtf8;
 
 }  // namespace smsutil::charset
