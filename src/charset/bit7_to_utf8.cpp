@@ -46,9 +46,7 @@ bool direct_to_utf8(const uint8_t *codes, uint32_t count, uint32_t coding, uint3
         const uint32_t value = gsm7_value(g_GSM_7BitExtTable, coding, codes[i]);
         // A zero unit would end the text early; the general path keeps that.
         if (value == 0 || value >= kNoCharacter) return false;
-        smsutil::common::OctetWriter pair(p, kMaxUtf8Sequence);
-        put_utf8(pair, static_cast<uint16_t>(value));
-        p += pair.position();
+        p = put_utf8_unchecked(p, static_cast<uint16_t>(value));
     }
     return out.advance(static_cast<std::size_t>(p - start));
 }

@@ -9,11 +9,10 @@
 
 namespace {
 
-using smsutil::charset::put_utf8;
+using smsutil::charset::put_utf8_unchecked;
+using smsutil::charset::utf8_length_of;
 using smsutil::charset::utf8_sequence_length;
 using smsutil::common::OctetWriter;
-
-constexpr std::size_t utf8_length_of(uint16_t unit) { return unit <= 0x7F ? 1 : unit <= 0x7FF ? 2 : 3; }
 
 // The unit of one complete sequence of `length` bytes.
 uint16_t decode_utf8(const unsigned char *s, std::size_t length)
@@ -53,16 +52,21 @@ extern "C" SMSUTIL_API int32_t UCS2_TO_UTF8(const uint16_t *pUCS2, char *pUTF8, 
         return -1;
     }
     int32_t units = 0;
-    std::size_t bytes = 0;
-    for (; pUCS2[units] != 0; ++units) bytes += utf8_length_of(pUCS2[units]);
+    while (pUCS2[units] != 0) ++units;
     // Checked up front so that a text that does not fit leaves the
-    // destination untouched rather than cut inside a character.
+    // destination untouched rather than cut inside a character.  The bytes
+    // are only counted when three per unit might not fit.
+    std::size_t bytes = 3 * static_cast<std::size_t>(units);
+    if (units <= iBufLen && bytes > static_cast<std::size_t>(iBufLen)) {
+        bytes = 0;
+        for (int32_t i = 0; i < units; ++i) bytes += utf8_length_of(pUCS2[i]);
+    }
     if (units > iBufLen || bytes > static_cast<std::size_t>(iBufLen)) {
         SMS_TRACE("Space is not enough!.[%d][%d]\n\n", units, iBufLen);
         return -1;
     }
-    OctetWriter out(reinterpret_cast<uint8_t *>(pUTF8), bytes);
-    for (int32_t i = 0; i < units; ++i) put_utf8(out, pUCS2[i]);
+    auto *p = reinterpret_cast<uint8_t *>(pUTF8);
+    for (int32_t i = 0; i < units; ++i) p = put_utf8_unchecked(p, pUCS2[i]);
     return 0;
 }
 

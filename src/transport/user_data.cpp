@@ -154,7 +154,21 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
         // The pair of an odd last octet is the octet after it, when the TPDU has one.
         auto octet_at = [&](std::size_t i) -> std::uint8_t { return i < in.size() ? in[i] : 0; };
         std::size_t stored = 0;
-        for (std::size_t i = 0; i < text.length; i += 2) {
+        // Pairs that lie wholly inside the TPDU and the record need no
+        // test per octet; the rest take the general loop below.
+        const std::size_t inside = in.size() > text.start ? in.size() - text.start : 0;
+        const std::size_t fast_end = std::min({text.length + 1, inside, std::size_t{WMS_MAX_LEN}}) & ~std::size_t{1};
+        const std::uint8_t *const src = in.data() + text.start;
+        std::size_t i = 0;
+        for (; i < fast_end; i += 2) {
+            if ((src[i] | src[i + 1]) == 0) continue;
+            data.sm_data[stored] = src[i + 1];
+            data.sm_data[stored + 1] = src[i];
+            stored += 2;
+            SMS_TRACE_AS(kDecodeName, "%x\n", src[i + 1]);
+            SMS_TRACE_AS(kDecodeName, "%x\n", src[i]);
+        }
+        for (; i < text.length; i += 2) {
             const std::uint8_t high = octet_at(text.start + i);
             const std::uint8_t low = octet_at(text.start + i + 1);
             // A U+0000 unit is dropped; the cleared tail of sm_data stands for it.
