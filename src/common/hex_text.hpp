@@ -19,7 +19,26 @@ inline constexpr std::array<std::uint8_t, 256> kNibbleOf = [] {
     return t;
 }();
 
-inline std::uint8_t nibble_of(char c) { return kNibbleOf[static_cast<unsigned char>(c)]; }
+// The same, already in the high half of an octet.
+inline constexpr std::array<std::uint8_t, 256> kHighNibbleOf = [] {
+    std::array<std::uint8_t, 256> t{};
+    for (unsigned c = 0; c < t.size(); ++c) t[c] = static_cast<std::uint8_t>(kNibbleOf[c] << 4);
+    return t;
+}();
+
+// Reads 2 * count characters into count octets, two octets per step.
+inline std::uint8_t *get_hex(std::uint8_t *out, const char *in, std::size_t count)
+{
+    const auto *s = reinterpret_cast<const unsigned char *>(in);
+    auto octet = [&](std::size_t at) { return static_cast<std::uint8_t>(kHighNibbleOf[s[at]] | kNibbleOf[s[at + 1]]); };
+    std::size_t i = 0;
+    for (; i + 2 <= count; i += 2, s += 4) {
+        out[i] = octet(0);
+        out[i + 1] = octet(2);
+    }
+    if (i < count) out[i++] = octet(0);
+    return out + i;
+}
 
 // The two lowercase digits of every octet, so that an octet is written in
 // one copy.

@@ -58,8 +58,20 @@ std::size_t encode_octet_pairs(const wms_gw_user_data &data, std::size_t udl_at,
     SMS_TRACE_AS(kEncodeName, "The three is:%d\n\n", data.sm_len);
     const std::size_t n = text_length(data);
     // Units are held low octet first and sent high octet first; an odd
-    // length sends the octet after the data as its pair.
-    for (std::size_t i = 0; i < n; i += 2) {
+    // length sends the octet after the data as its pair.  Pairs that lie
+    // inside sm_data and fit the room whole are written without a test per
+    // octet; the rest take the general loop below.
+    const auto room = out.unwritten();
+    const std::size_t fast_end = std::min({n + 1, std::size_t{WMS_MAX_LEN}, room.size()}) & ~std::size_t{1};
+    std::size_t i = 0;
+    for (; i < fast_end; i += 2) {
+        room[i] = data.sm_data[i + 1];
+        room[i + 1] = data.sm_data[i];
+        SMS_TRACE_AS(kEncodeName, "%x\n", room[i]);
+        SMS_TRACE_AS(kEncodeName, "%x\n", room[i + 1]);
+    }
+    out.advance(fast_end);
+    for (; i < n; i += 2) {
         const std::uint8_t high = i + 1 < WMS_MAX_LEN ? data.sm_data[i + 1] : 0;
         const std::uint8_t low = data.sm_data[i];
         const std::array<std::uint8_t, 2> pair{high, low};
