@@ -33,17 +33,15 @@ bool direct_to_utf8(const uint8_t *codes, uint32_t count, uint32_t coding, uint3
     if (out.remaining() < 3 * static_cast<std::size_t>(count) + 1) return false;
     uint8_t *const start = out.unwritten().data();
     uint8_t *p = start;
-    for (uint32_t i = 0; i < count; ++i) {
-        const uint8_t code = codes[i];
-        if (code >= kCodeCount) return false;
-        const Utf8Code &utf8 = kDefaultRowUtf8[code];
+    for (const uint8_t *code = codes, *end = codes + count; code != end; ++code) {
+        const Utf8Code &utf8 = kDefaultRowUtf8[*code];
         if (utf8.length != 0) {
             std::memcpy(p, &utf8, sizeof utf8);
             p += utf8.length;
             continue;
         }
-        if (code != kEscape || ++i >= count) return false;
-        const uint32_t value = gsm7_value(g_GSM_7BitExtTable, coding, codes[i]);
+        if (*code != kEscape || ++code == end) return false;
+        const uint32_t value = gsm7_value(g_GSM_7BitExtTable, coding, *code);
         // A zero unit would end the text early; the general path keeps that.
         if (value == 0 || value >= kNoCharacter) return false;
         p = put_utf8_unchecked(p, static_cast<uint16_t>(value));

@@ -166,8 +166,8 @@ constexpr Utf8Code utf8_code(std::uint32_t unit)
 
 }  // namespace
 
-constexpr std::array<Utf8Code, kCodeCount> kDefaultRowUtf8 = [] {
-    std::array<Utf8Code, kCodeCount> row{};
+constexpr std::array<Utf8Code, 256> kDefaultRowUtf8 = [] {
+    std::array<Utf8Code, 256> row{};
     for (std::uint32_t c = 0; c < kCodeCount; ++c) row[c] = utf8_code(g_GSM_7BitTable[GSM7_CODING_DEFAULT][c]);
     return row;
 }();

@@ -38,7 +38,8 @@ struct Utf8Code {
     std::uint8_t length;
 };
 
-// The default alphabet as UTF-8, for the usual received text.
-extern const std::array<Utf8Code, kCodeCount> kDefaultRowUtf8;
+// The default alphabet as UTF-8, for the usual received text, indexed by
+// any octet so that a code past the alphabet needs no test of its own.
+extern const std::array<Utf8Code, 256> kDefaultRowUtf8;
 
 }  // namespace smsutil::charset

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "common/le_words.hpp"
+
 namespace smsutil::common {
 
 // The four bits a character stands for.  Hexadecimal digits count in
@@ -19,24 +21,41 @@ inline constexpr std::array<std::uint8_t, 256> kNibbleOf = [] {
     return t;
 }();
 
-// The same, already in the high half of an octet.
-inline constexpr std::array<std::uint8_t, 256> kHighNibbleOf = [] {
-    std::array<std::uint8_t, 256> t{};
-    for (unsigned c = 0; c < t.size(); ++c) t[c] = static_cast<std::uint8_t>(kNibbleOf[c] << 4);
-    return t;
-}();
+// Eight characters into four octets in one 64-bit word when all eight are
+// hexadecimal digits (the modem's usual text); false, with nothing
+// written, for anything else.  A comparison of each byte with a bound sets
+// its top bit; that holds without carries into the next byte because every
+// byte is checked to be below 0x80.
+inline bool get_hex8(std::uint8_t *out, const unsigned char *in)
+{
+    const std::uint64_t w = load_le64(in);
+    const std::uint64_t top = each_octet(0x80);
+    auto at_least = [&](std::uint64_t x, std::uint8_t lo) {
+        return x + each_octet(static_cast<std::uint8_t>(0x80 - lo));
+    };
+    auto at_most = [&](std::uint64_t x, std::uint8_t hi) {
+        return ~(x + each_octet(static_cast<std::uint8_t>(0x7F - hi)));
+    };
+    const std::uint64_t folded = w | each_octet(0x20);
+    const std::uint64_t digit = at_least(w, '0') & at_most(w, '9');
+    const std::uint64_t letter = at_least(folded, 'a') & at_most(folded, 'f');
+    if ((w & top) != 0 || ((digit | letter) & top) != top) return false;
+    // A letter has bit 6 set and stands for its low four bits plus nine.
+    const std::uint64_t nibbles = (w & each_octet(0x0F)) + ((w >> 6) & each_octet(0x01)) * 9;
+    // Two nibbles per 16-bit lane, then the four octets pulled together.
+    std::uint64_t y = (nibbles & 0x00FF00FF00FF00FFu) << 4 | (nibbles >> 8 & 0x00FF00FF00FF00FFu);
+    y = (y | y >> 8) & 0x0000FFFF0000FFFFu;
+    store_le64(out, y | y >> 16, 4);
+    return true;
+}
 
-// Reads 2 * count characters into count octets, two octets per step.
+// Reads 2 * count characters into count octets.
 inline std::uint8_t *get_hex(std::uint8_t *out, const char *in, std::size_t count)
 {
     const auto *s = reinterpret_cast<const unsigned char *>(in);
-    auto octet = [&](std::size_t at) { return static_cast<std::uint8_t>(kHighNibbleOf[s[at]] | kNibbleOf[s[at + 1]]); };
     std::size_t i = 0;
-    for (; i + 2 <= count; i += 2, s += 4) {
-        out[i] = octet(0);
-        out[i + 1] = octet(2);
-    }
-    if (i < count) out[i++] = octet(0);
+    while (count - i >= 4 && get_hex8(out + i, s + 2 * i)) i += 4;
+    for (; i < count; ++i) out[i] = static_cast<std::uint8_t>(kNibbleOf[s[2 * i]] << 4 | kNibbleOf[s[2 * i + 1]]);
     return out + i;
 }
 

@@ -1,9 +1,8 @@
 // GSM 7-bit packing: septets laid end to end, least significant bit first,
 // optionally after fill bits that align text behind a user data header.
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
+#include "common/le_words.hpp"
 #include "transport/codec_internal.hpp"
 
 namespace smsutil::transport {
@@ -16,24 +15,6 @@ constexpr unsigned fill_of_start_code(unsigned start_code) { return start_code =
 // by halving the bit fields three times instead of one shift per septet.
 constexpr std::size_t kGroupSeptets = 8;
 constexpr std::size_t kGroupOctets = 7;
-
-// The word with octet k of memory in bits 8k..8k+7, whatever the host's order.
-inline std::uint64_t little_endian(std::uint64_t w)
-{
-    if constexpr (std::endian::native == std::endian::big) {
-        std::uint64_t r = 0;
-        for (unsigned k = 0; k < 8; ++k, w >>= 8) r = r << 8 | (w & 0xFF);
-        return r;
-    }
-    return w;
-}
-
-inline std::uint64_t load_le64(const std::uint8_t *p)
-{
-    std::uint64_t w;
-    std::memcpy(&w, p, sizeof w);
-    return little_endian(w);
-}
 
 // 56 bits of septets, first septet lowest, into eight octets of seven bits.
 inline std::uint64_t spread_septets(std::uint64_t w)
@@ -69,9 +50,8 @@ std::size_t pack_septets(std::span<const std::uint8_t> septets, unsigned fill, s
     std::size_t done = 0;
     // Fewer than eight pending bits plus a 56-bit group fit one word.
     for (; fitting - done >= kGroupSeptets && out.size() - pos >= kGroupOctets; done += kGroupSeptets) {
-        const std::uint64_t w = acc | gather_septets(load_le64(&septets[done])) << bits;
-        const std::uint64_t le = little_endian(w);
-        std::memcpy(&out[pos], &le, kGroupOctets);
+        const std::uint64_t w = acc | gather_septets(common::load_le64(&septets[done])) << bits;
+        common::store_le64(&out[pos], w, kGroupOctets);
         pos += kGroupOctets;
         acc = static_cast<std::uint32_t>(w >> 56);
     }
@@ -102,10 +82,8 @@ std::size_t unpack_septets(std::span<const std::uint8_t> in, std::size_t count, 
     std::size_t i = 0;
     // A whole group is read as eight octets (the last one only for the bits
     // past the fill), and only while all eight lie inside `in`.
-    for (; stored - i >= kGroupSeptets && in.size() - next >= 8; i += kGroupSeptets, next += kGroupOctets) {
-        const std::uint64_t le = little_endian(spread_septets(load_le64(&in[next]) >> (fill % 8)));
-        std::memcpy(&out[i], &le, sizeof le);
-    }
+    for (; stored - i >= kGroupSeptets && in.size() - next >= 8; i += kGroupSeptets, next += kGroupOctets)
+        common::store_le64(&out[i], spread_septets(common::load_le64(&in[next]) >> (fill % 8)), kGroupSeptets);
     std::uint32_t acc = 0;
     unsigned bits = 0;
     if (stored > i) {
