@@ -21,25 +21,20 @@ inline constexpr std::array<std::uint8_t, 256> kNibbleOf = [] {
     return t;
 }();
 
-// Eight characters into four octets in one 64-bit word when all eight are
-// hexadecimal digits (the modem's usual text); false, with nothing
-// written, for anything else.  A comparison of each byte with a bound sets
-// its top bit; that holds without carries into the next byte because every
-// byte is checked to be below 0x80.
+// Eight characters into four octets in one 64-bit word, computing each
+// nibble as its low four bits plus nine when bit 6 is set.  That agrees
+// with kNibbleOf for every character without bit 6 and for the letters A
+// to F in either case; a word holding any other character returns false
+// with nothing written.  Bits 7 and 5 are cleared before the range test so
+// that no byte carries into the next.
 inline bool get_hex8(std::uint8_t *out, const unsigned char *in)
 {
     const std::uint64_t w = load_le64(in);
     const std::uint64_t top = each_octet(0x80);
-    auto at_least = [&](std::uint64_t x, std::uint8_t lo) {
-        return x + each_octet(static_cast<std::uint8_t>(0x80 - lo));
-    };
-    auto at_most = [&](std::uint64_t x, std::uint8_t hi) {
-        return ~(x + each_octet(static_cast<std::uint8_t>(0x7F - hi)));
-    };
-    const std::uint64_t folded = w | each_octet(0x20);
-    const std::uint64_t digit = at_least(w, '0') & at_most(w, '9');
-    const std::uint64_t letter = at_least(folded, 'a') & at_most(folded, 'f');
-    if ((w & top) != 0 || ((digit | letter) & top) != top) return false;
+    const std::uint64_t upper = w & each_octet(0x5F);
+    const std::uint64_t letter = (upper + each_octet(0x80 - 'A')) & ~(upper + each_octet(0x7F - 'F'));
+    const std::uint64_t bit6 = (w << 1) & top;
+    if ((bit6 & (w | ~letter)) != 0) return false;
     // A letter has bit 6 set and stands for its low four bits plus nine.
     const std::uint64_t nibbles = (w & each_octet(0x0F)) + ((w >> 6) & each_octet(0x01)) * 9;
     // Two nibbles per 16-bit lane, then the four octets pulled together.
