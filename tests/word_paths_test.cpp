@@ -165,16 +165,31 @@ TEST_P(ReceivedText, SameTextEitherWay)
     EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer)), c.text);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, ReceivedText,
-                         ::testing::Values(ReceivedCase{{0x05, 0x1B, 0x28, 0x1B, 0x65, 0x41},
-                                                        "\xC3\xA9{\xE2\x82\xAC"
-                                                        "A"},
-                                           ReceivedCase{std::vector<uint8_t>(170, 0x10),
-                                                        [] {
-                                                            std::string s;
-                                                            for (int i = 0; i < 170; ++i) s += "\xCE\x94";
-                                                            return s;
-                                                        }()},
-                                           ReceivedCase{std::vector<uint8_t>(200, 0x41), std::string(200, 'A')}));
+INSTANTIATE_TEST_SUITE_P(
+    Table, ReceivedText,
+    ::testing::Values(ReceivedCase{{0x05, 0x1B, 0x28, 0x1B, 0x65, 0x41},
+                                   "\xC3\xA9{\xE2\x82\xAC"
+                                   "A"},
+                      ReceivedCase{std::vector<uint8_t>(170, 0x10),
+                                   [] {
+                                       std::string s;
+                                       for (int i = 0; i < 170; ++i) s += "\xCE\x94";
+                                       return s;
+                                   }()},
+                      ReceivedCase{std::vector<uint8_t>(200, 0x41), std::string(200, 'A')},
+                      // Words of eight with one code each at the edge of the
+                      // ASCII ranges, and an escape closing a word.
+                      ReceivedCase{{'a', 'b',  'c',  0x24, 'd',  'e',  'f',  'g',  0x40, 'b',  'c',  'd', 'e', 'f', 'g',
+                                    'h', 'a',  0x5B, 'b',  'c',  'd',  'e',  'f',  'g',  'a',  'b',  'c', 'd', 'e', 'f',
+                                    'g', 0x60, 'a',  'b',  'c',  0x7B, 'e',  'f',  'g',  'h',  0x1F, 'a', 'b', 'c', 'd',
+                                    'e', 'f',  0x1B, 0x3C, 0x20, 0x7A, 0x5A, 0x41, 0x25, 0x23, 0x3F, 0x61},
+                                   "abc\xC2\xA4"
+                                   "defg\xC2\xA1"
+                                   "bcdefgha\xC3\x84"
+                                   "bcdefg"
+                                   "abcdefg\xC2\xBF"
+                                   "abc\xC3\xA4"
+                                   "efgh\xC3\x89"
+                                   "abcdef[ zZA%#?a"}));
 
 }  // namespace

@@ -140,9 +140,23 @@ constexpr bool all_units()
     return true;
 }
 
+// Line feed and carriage return are their own ASCII character too, but too
+// rare to be worth a range; the escape only keeps its own code as a marker.
+constexpr bool ascii_ranges_exact()
+{
+    for (std::uint32_t code = 0; code < kCodeCount; ++code) {
+        bool plain = code >= kAsciiCodes.low && code <= kAsciiCodes.high;
+        for (const CodeRange &r : kNotAscii) plain = plain && !(code >= r.low && code <= r.high);
+        const bool same =
+            g_GSM_7BitTable[GSM7_CODING_DEFAULT][code] == code && code != '\n' && code != '\r' && code != kEscape;
+        if (plain != same) return false;
+    }
+    return true;
+}
+
 // Guards against a slip in the data above: the national rows are the
 // default alphabet with a few well-known replacements.
-static_assert(main_rows_complete() && all_units());
+static_assert(main_rows_complete() && all_units() && ascii_ranges_exact());
 static_assert(differing_codes(0, 1) == 9);
 static_assert(differing_codes(0, 2) == 1 && g_GSM_7BitTable[2][kEscape] == 0x0020);
 

@@ -42,4 +42,14 @@ struct Utf8Code {
 // any octet so that a code past the alphabet needs no test of its own.
 extern const std::array<Utf8Code, 256> kDefaultRowUtf8;
 
+// Codes that stand for their own ASCII character: the space to 'z' except
+// '$', '@' and the six between 'Z' and 'a'.  Most received text is made of
+// them, which lets a converter check and copy several at a time.
+struct CodeRange {
+    std::uint8_t low;
+    std::uint8_t high;
+};
+inline constexpr CodeRange kAsciiCodes{0x20, 0x7A};
+inline constexpr CodeRange kNotAscii[] = {{0x24, 0x24}, {0x40, 0x40}, {0x5B, 0x60}};
+
 }  // namespace smsutil::charset
