@@ -2,6 +2,8 @@
 // fill bits, or 8-bit / UCS-2 data whose octet pairs are held swapped.
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
 
 #include "common/trace.hpp"
 #include "transport/codec_internal.hpp"
@@ -173,9 +175,12 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
         const std::uint8_t *const src = in.data() + text.start;
         std::size_t i = 0;
         for (; i < fast_end; i += 2) {
-            if ((src[i] | src[i + 1]) == 0) continue;
-            data.sm_data[stored] = src[i + 1];
-            data.sm_data[stored + 1] = src[i];
+            std::uint16_t pair;
+            std::memcpy(&pair, src + i, sizeof pair);
+            if (pair == 0) continue;
+            // Rotating by eight exchanges the two octets on any host.
+            pair = std::rotl(pair, 8);
+            std::memcpy(&data.sm_data[stored], &pair, sizeof pair);
             stored += 2;
             SMS_TRACE_AS(kDecodeName, "%x\n", src[i + 1]);
             SMS_TRACE_AS(kDecodeName, "%x\n", src[i]);
