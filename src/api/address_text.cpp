@@ -47,6 +47,5 @@ extern "C" SMSUTIL_API void AsciiToBcd(uint8_t *out, const char *in, uint32_t co
     if (out == nullptr || in == nullptr) return;
     // Characters go in pairs: an odd count takes the character after the
     // last one as its low nibble (for a whole string, the terminator: 0).
-    using smsutil::common::nibble_of;
-    for (uint32_t i = 0; i < count; i += 2) *out++ = static_cast<uint8_t>((nibble_of(in[i]) << 4) | nibble_of(in[i + 1]));
+    smsutil::common::get_hex(out, in, (static_cast<std::size_t>(count) + 1) / 2);
 }

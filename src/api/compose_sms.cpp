@@ -90,15 +90,13 @@ SMSUTIL_API int32_t ComposeSubmitSms(const SmsMessageData *msg, SendOrWriteMsg *
         SMS_TRACE("ConstructSubmitSms function run unsuccessfully!\n\n");
         return ret;
     }
-    wms_raw_tpdu raw;
-    std::memset(&raw, 0, sizeof raw);
+    wms_raw_tpdu raw;  // cleared by the encoder
     if (MSEncodeSubmit(&submit, &raw) != 0) {
         *pdwErrCode = SMS_ERR_ENCODE_SUBMIT;
         SMS_TRACE("MSEncodeSubmit function run unsuccessfully! The ERROR CODE is %d\n\n", SMS_ERR_ENCODE_SUBMIT);
         return -1;
     }
-    SmsOctetBuf sc;
-    std::memset(&sc, 0, sizeof sc);
+    SmsOctetBuf sc;  // only the dwLen octets the step writes are read
     SMS_TRACE("The sc num is %.*s\n\n", kNumberField, m_szSCAddress);
     ret = ComposeSCAddrData(m_szSCAddress, PstSendOrWriteMsg, &sc);
     if (ret != 0) {
@@ -127,8 +125,7 @@ SMSUTIL_API int32_t ComposeSms(const SmsMessage *pInputSms, SmsSendPdu *pOutputS
     SmsMessageData stMessage;
     std::memset(&stMessage, 0, sizeof stMessage);
     SendOrWriteMsg work{};
-    SmsOctetBuf composed;
-    std::memset(&composed, 0, sizeof composed);
+    SmsOctetBuf composed;  // cleared by ComposeSubmitSms once it succeeds
     SMS_RETURN_IF_NULL(pInputSms);
     SMS_RETURN_IF_NULL(pOutputSms);
     const SmsMessage &in = *pInputSms;

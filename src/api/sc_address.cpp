@@ -57,7 +57,7 @@ SMSUTIL_API int32_t ComposeSCAddrData(const char *pszAddr, SendOrWriteMsg *PstSe
     address.number_plan = PstSendOrWriteMsg->byScNpi;
     address.number_of_digits = count;
 
-    uint8_t encoded[WMS_MAX_LEN] = {};
+    uint8_t encoded[WMS_MAX_LEN];  // only the octets encoded are read
     const uint8_t octets = wms_ts_encode_address(&address, encoded);
     if (octets == 0) return -1;  // cannot happen after the length check
     std::memcpy(PstBuf->data, encoded, octets);

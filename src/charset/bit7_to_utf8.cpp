@@ -4,6 +4,7 @@
 
 #include "charset/gsm7_tables.hpp"
 #include "charset/utf8_sequence.hpp"
+#include "common/le_words.hpp"
 #include "common/octets.hpp"
 #include "common/trace.hpp"
 #include "smsutil/wms_ts.h"
@@ -18,6 +19,24 @@ constexpr uint32_t kMaxUnits = kUcs2WorkUnits - 1;
 // The in-place buffer of a received text.
 constexpr uint32_t kTextBufferSize = 513;
 
+// The top bit of each byte of w (all below 0x80) that lies in the range;
+// no byte carries into the next.
+uint64_t within(uint64_t w, CodeRange r)
+{
+    using smsutil::common::each_octet;
+    return (w + each_octet(static_cast<uint8_t>(0x80 - r.low))) &
+           ~(w + each_octet(static_cast<uint8_t>(0x7F - r.high)));
+}
+
+bool all_plain_ascii(uint64_t w)
+{
+    const uint64_t top = smsutil::common::each_octet(0x80);
+    if ((w & top) != 0) return false;
+    uint64_t plain = within(w, kAsciiCodes);
+    for (const CodeRange &r : kNotAscii) plain &= ~within(w, r);
+    return (plain & top) == top;
+}
+
 // The usual received text in one pass: codes of the default alphabet (and
 // the language's table behind an escape) straight to UTF-8, without the
 // UCS-2 step.  Anything out of the ordinary (a code without a character, a
@@ -27,22 +46,42 @@ bool direct_to_utf8(const uint8_t *codes, uint32_t count, uint32_t coding, uint3
                     smsutil::common::OctetWriter &out)
 {
     if (lang_shift == WMS_UDH_NATIONAL_LANGUAGE_LOCKING_SHIFT) return false;
-    const auto &main_row = g_GSM_7BitTable[GSM7_CODING_DEFAULT];
-    const auto &ext_row = g_GSM_7BitExtTable[decoding_row(coding)];
-    for (uint32_t i = 0; i < count; ++i) {
-        uint8_t code = codes[i];
-        const auto *row = &main_row;
-        if (code == kEscape) {
-            if (++i >= count) return false;
-            code = codes[i];
-            row = &ext_row;
+    // A code gives at most three bytes (an escaped pair as well), and a
+    // plain code is copied as four: with this much room no character needs
+    // a check of its own.
+    if (out.remaining() < 3 * static_cast<std::size_t>(count) + 1) return false;
+    uint8_t *const start = out.unwritten().data();
+    uint8_t *p = start;
+    const uint8_t *code = codes;
+    const uint8_t *const end = codes + count;
+    while (code < end) {
+        // A word of eight codes is copied whole when all are plain ASCII;
+        // otherwise its codes go one by one through the table.
+        const bool whole_word = end - code >= 8;
+        if (whole_word) {
+            const uint64_t w = smsutil::common::load_le64(code);
+            if (all_plain_ascii(w)) {
+                smsutil::common::store_le64(p, w, 8);
+                p += 8;
+                code += 8;
+                continue;
+            }
         }
-        const uint32_t value = code < kCodeCount ? (*row)[code] : kNoCharacter;
-        // A zero unit would end the text early; the general path keeps that.
-        if (value == 0 || value >= kNoCharacter) return false;
-        if (!put_utf8(out, static_cast<uint16_t>(value))) return false;
+        for (const uint8_t *const stop = whole_word ? code + 8 : end; code < stop; ++code) {
+            const Utf8Code &utf8 = kDefaultRowUtf8[*code];
+            if (utf8.length != 0) {
+                std::memcpy(p, &utf8, sizeof utf8);
+                p += utf8.length;
+                continue;
+            }
+            if (*code != kEscape || ++code == end) return false;
+            const uint32_t value = gsm7_value(g_GSM_7BitExtTable, coding, *code);
+            // A zero unit would end the text early; the general path keeps that.
+            if (value == 0 || value >= kNoCharacter) return false;
+            p = put_utf8_unchecked(p, static_cast<uint16_t>(value));
+        }
     }
-    return true;
+    return out.advance(static_cast<std::size_t>(p - start));
 }
 
 }  // namespace

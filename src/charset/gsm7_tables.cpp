@@ -140,9 +140,23 @@ constexpr bool all_units()
     return true;
 }
 
+// Line feed and carriage return are their own ASCII character too, but too
+// rare to be worth a range; the escape only keeps its own code as a marker.
+constexpr bool ascii_ranges_exact()
+{
+    for (std::uint32_t code = 0; code < kCodeCount; ++code) {
+        bool plain = code >= kAsciiCodes.low && code <= kAsciiCodes.high;
+        for (const CodeRange &r : kNotAscii) plain = plain && !(code >= r.low && code <= r.high);
+        const bool same =
+            g_GSM_7BitTable[GSM7_CODING_DEFAULT][code] == code && code != '\n' && code != '\r' && code != kEscape;
+        if (plain != same) return false;
+    }
+    return true;
+}
+
 // Guards against a slip in the data above: the national rows are the
 // default alphabet with a few well-known replacements.
-static_assert(main_rows_complete() && all_units());
+static_assert(main_rows_complete() && all_units() && ascii_ranges_exact());
 static_assert(differing_codes(0, 1) == 9);
 static_assert(differing_codes(0, 2) == 1 && g_GSM_7BitTable[2][kEscape] == 0x0020);
 
@@ -153,7 +167,25 @@ constexpr inverse_detail::InverseTable<kInversePages> kInverse =
 static_assert(inverse_detail::is_exact(kInverse, g_GSM_7BitTable, g_GSM_7BitExtTable),
               "some character cannot be found again by the reverse look-up");
 
+constexpr Utf8Code utf8_code(std::uint32_t unit)
+{
+    if (unit == 0 || unit == kEscape || unit >= kNoCharacter) return {{0, 0, 0}, 0};
+    if (unit < 0x80) return {{static_cast<std::uint8_t>(unit), 0, 0}, 1};
+    if (unit < 0x800)
+        return {{static_cast<std::uint8_t>(0xC0 | unit >> 6), static_cast<std::uint8_t>(0x80 | (unit & 0x3F)), 0}, 2};
+    return {{static_cast<std::uint8_t>(0xE0 | unit >> 12), static_cast<std::uint8_t>(0x80 | ((unit >> 6) & 0x3F)),
+             static_cast<std::uint8_t>(0x80 | (unit & 0x3F))},
+            3};
+}
+
 }  // namespace
+
+constexpr std::array<Utf8Code, 256> kDefaultRowUtf8 = [] {
+    std::array<Utf8Code, 256> row{};
+    for (std::uint32_t c = 0; c < kCodeCount; ++c) row[c] = utf8_code(g_GSM_7BitTable[GSM7_CODING_DEFAULT][c]);
+    return row;
+}();
+static_assert(sizeof(Utf8Code) == 4);
 
 Gsm7Code find_gsm7_code(std::uint32_t row, std::uint16_t unit)
 {

@@ -2,6 +2,7 @@
 // way to read an entry.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "smsutil/sms_charset.h"
@@ -28,5 +29,27 @@ constexpr std::uint32_t gsm7_value(const Gsm7Rows &table, std::uint32_t coding, 
 {
     return code < kCodeCount ? table[decoding_row(coding)][code] : kNoCharacter;
 }
+
+// One code's character as UTF-8, ready to be copied as four bytes of
+// which `length` count.  A length of 0 marks a code that needs more than a
+// look-up: the escape, and a character that would end the text.
+struct Utf8Code {
+    std::uint8_t bytes[3];
+    std::uint8_t length;
+};
+
+// The default alphabet as UTF-8, for the usual received text, indexed by
+// any octet so that a code past the alphabet needs no test of its own.
+extern const std::array<Utf8Code, 256> kDefaultRowUtf8;
+
+// Codes that stand for their own ASCII character: the space to 'z' except
+// '$', '@' and the six between 'Z' and 'a'.  Most received text is made of
+// them, which lets a converter check and copy several at a time.
+struct CodeRange {
+    std::uint8_t low;
+    std::uint8_t high;
+};
+inline constexpr CodeRange kAsciiCodes{0x20, 0x7A};
+inline constexpr CodeRange kNotAscii[] = {{0x24, 0x24}, {0x40, 0x40}, {0x5B, 0x60}};
 
 }  // namespace smsutil::charset

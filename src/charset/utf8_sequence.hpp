@@ -32,22 +32,35 @@ inline std::size_t utf8_sequence_length(const char *text)
     return utf8_sequence_length(reinterpret_cast<const unsigned char *>(text));
 }
 
-// One unit as UTF-8, all or nothing.  Surrogate units get no special
-// treatment: each is a three-byte sequence of its own, since the text model
-// has no pairs.
+// Bytes of one unit as UTF-8.
+constexpr std::size_t utf8_length_of(std::uint16_t u) { return 1 + (u > 0x7F) + (u > 0x7FF); }
+
+// One unit as UTF-8 at `p`, whose room the caller has checked; returns the
+// end.  Surrogate units get no special treatment: each is a three-byte
+// sequence of its own, since the text model has no pairs.
+inline std::uint8_t *put_utf8_unchecked(std::uint8_t *p, std::uint16_t u)
+{
+    if (u <= 0x7F) {
+        *p = static_cast<std::uint8_t>(u);
+        return p + 1;
+    }
+    if (u <= 0x7FF) {
+        p[0] = static_cast<std::uint8_t>(0xC0 | (u >> 6));
+        p[1] = static_cast<std::uint8_t>(0x80 | (u & 0x3F));
+        return p + 2;
+    }
+    p[0] = static_cast<std::uint8_t>(0xE0 | (u >> 12));
+    p[1] = static_cast<std::uint8_t>(0x80 | ((u >> 6) & 0x3F));
+    p[2] = static_cast<std::uint8_t>(0x80 | (u & 0x3F));
+    return p + 3;
+}
+
+// One unit as UTF-8, all or nothing.
 inline bool put_utf8(common::OctetWriter &out, std::uint16_t u)
 {
-    if (u <= 0x7F) return out.put(static_cast<std::uint8_t>(u));
-    const std::size_t length = u <= 0x7FF ? 2 : 3;
+    const std::size_t length = utf8_length_of(u);
     if (!out.has_room(length)) return false;
-    const auto seq = out.unwritten();
-    if (length == 2) {
-        seq[0] = static_cast<std::uint8_t>(0xC0 | (u >> 6));
-    } else {
-        seq[0] = static_cast<std::uint8_t>(0xE0 | (u >> 12));
-        seq[1] = static_cast<std::uint8_t>(0x80 | ((u >> 6) & 0x3F));
-    }
-    seq[length - 1] = static_cast<std::uint8_t>(0x80 | (u & 0x3F));
+    put_utf8_unchecked(out.unwritten().data(), u);
     return out.advance(length);
 }
 

@@ -28,7 +28,8 @@ std::size_t encode_address(const wms_address &address, OctetWriter &out)
 {
     const std::size_t n = address.number_of_digits;
     if (n > WMS_ADDRESS_MAX_DIGITS) return 0;
-    std::array<std::uint8_t, kMaxEncodedAddressSize> field{};
+    // Only the octets counted in `size` are written and sent.
+    std::array<std::uint8_t, kMaxEncodedAddressSize> field;
     const bool alphanumeric = address.number_type == WMS_NUMBER_ALPHANUMERIC;
     // An alphanumeric length counts the semi-octets its packed septets fill.
     field[0] = static_cast<std::uint8_t>(alphanumeric ? (7 * n + 3) / 4 : n);
@@ -38,11 +39,12 @@ std::size_t encode_address(const wms_address &address, OctetWriter &out)
         size += pack_septets(std::span(address.digits, n), 0, std::span(field).subspan(2));
     } else {
         SMS_TRACE_AS(kEncodeName, "The number digits are: %d\n\n", static_cast<int>(n));
-        for (std::size_t i = 0; i < n; ++i) {
-            const auto digit = static_cast<std::uint8_t>(address.digits[i] & 0x0F);
-            field[2 + i / 2] |= static_cast<std::uint8_t>(i % 2 == 0 ? digit : digit << 4);
+        // Two digits per octet, the first in the low half; an odd count
+        // fills the last high half with 0xF.
+        for (std::size_t i = 0; i < n; i += 2) {
+            const unsigned high = i + 1 < n ? address.digits[i + 1] & 0x0F : 0x0F;
+            field[2 + i / 2] = static_cast<std::uint8_t>(high << 4 | (address.digits[i] & 0x0F));
         }
-        if (n % 2 != 0) field[2 + n / 2] |= 0xF0;
         size += ceil_half(n);
     }
     return out.put(std::span<const std::uint8_t>(field.data(), size)) ? size : 0;

@@ -2,6 +2,8 @@
 // fill bits, or 8-bit / UCS-2 data whose octet pairs are held swapped.
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
 
 #include "common/trace.hpp"
 #include "transport/codec_internal.hpp"
@@ -58,8 +60,20 @@ std::size_t encode_octet_pairs(const wms_gw_user_data &data, std::size_t udl_at,
     SMS_TRACE_AS(kEncodeName, "The three is:%d\n\n", data.sm_len);
     const std::size_t n = text_length(data);
     // Units are held low octet first and sent high octet first; an odd
-    // length sends the octet after the data as its pair.
-    for (std::size_t i = 0; i < n; i += 2) {
+    // length sends the octet after the data as its pair.  Pairs that lie
+    // inside sm_data and fit the room whole are written without a test per
+    // octet; the rest take the general loop below.
+    const auto room = out.unwritten();
+    const std::size_t fast_end = std::min({n + 1, std::size_t{WMS_MAX_LEN}, room.size()}) & ~std::size_t{1};
+    std::size_t i = 0;
+    for (; i < fast_end; i += 2) {
+        room[i] = data.sm_data[i + 1];
+        room[i + 1] = data.sm_data[i];
+        SMS_TRACE_AS(kEncodeName, "%x\n", room[i]);
+        SMS_TRACE_AS(kEncodeName, "%x\n", room[i + 1]);
+    }
+    out.advance(fast_end);
+    for (; i < n; i += 2) {
         const std::uint8_t high = i + 1 < WMS_MAX_LEN ? data.sm_data[i + 1] : 0;
         const std::uint8_t low = data.sm_data[i];
         const std::array<std::uint8_t, 2> pair{high, low};
@@ -154,7 +168,24 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
         // The pair of an odd last octet is the octet after it, when the TPDU has one.
         auto octet_at = [&](std::size_t i) -> std::uint8_t { return i < in.size() ? in[i] : 0; };
         std::size_t stored = 0;
-        for (std::size_t i = 0; i < text.length; i += 2) {
+        // Pairs that lie wholly inside the TPDU and the record need no
+        // test per octet; the rest take the general loop below.
+        const std::size_t inside = in.size() > text.start ? in.size() - text.start : 0;
+        const std::size_t fast_end = std::min({text.length + 1, inside, std::size_t{WMS_MAX_LEN}}) & ~std::size_t{1};
+        const std::uint8_t *const src = in.data() + text.start;
+        std::size_t i = 0;
+        for (; i < fast_end; i += 2) {
+            std::uint16_t pair;
+            std::memcpy(&pair, src + i, sizeof pair);
+            if (pair == 0) continue;
+            // Rotating by eight exchanges the two octets on any host.
+            pair = std::rotl(pair, 8);
+            std::memcpy(&data.sm_data[stored], &pair, sizeof pair);
+            stored += 2;
+            SMS_TRACE_AS(kDecodeName, "%x\n", src[i + 1]);
+            SMS_TRACE_AS(kDecodeName, "%x\n", src[i]);
+        }
+        for (; i < text.length; i += 2) {
             const std::uint8_t high = octet_at(text.start + i);
             const std::uint8_t low = octet_at(text.start + i + 1);
             // A U+0000 unit is dropped; the cleared tail of sm_data stands for it.
