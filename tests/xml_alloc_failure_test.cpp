@@ -218,8 +218,6 @@ const SweepCase kCases[] = {
     {"SetAttrValueExNew", kDoc, new_attr_ex, kNoMemory, "|r{a=1}(old)", 0, "|r{a=1,p:n=7}(old)"},
     {"CloneNode", kNested, clone<NDL_XML_CloneNode>, kNoMemory, "|r{a=1}[c{x=2}[d(t)]]", 0,
      "c{x=2}[d(t)]|r{a=1}[c{x=2}[d(t)]]"},
-    {"CloneNodeSelf", kNested, clone<NDL_XML_CloneNodeSelf>, kNoMemory, "|r{a=1}[c{x=2}[d(t)]]", 0,
-     "c{x=2}|r{a=1}[c{x=2}[d(t)]]"},
     {"MemBufInsert", nullptr, buf_insert, kNoMemory, "1024:-:", 0, "1026:1000:ab", true},
     {"MemBufAssign", nullptr, buf_assign, kNoMemory, "1024:-:", 0, "3000:0:xxxxxxxx", true},
     {"Parse", nullptr, parse, kNoMemory, "", 0, "p:r{a=1,q:b=<}[c(t&),d] + s", false, 0, XML_ERR_SYNTAX},
