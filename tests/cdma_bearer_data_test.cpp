@@ -196,6 +196,7 @@ INSTANTIATE_TEST_SUITE_P(
         WireCase{"callback_of_40_digits_keeps_32", [](auto &bd) { callback(bd, 32, series(32, 10, 1)); }, dtmf_callback(40, 40), kDecodeOnly},
         WireCase{"callback_carrying_fewer_digits_than_announced", [](auto &bd) { callback(bd, 10, {1, 2, 3}); }, dtmf_callback(10, 3), kDecodeOnly},
         WireCase{"is91_text", [](auto &bd) { is91(bd, WMS_IS91EP_SHORT_MESSAGE, "OK"); }, {0x01, 0x05, 0x0C, 0x28, 0x15, 0xF5, 0x80}, kEncodeOnly},
+        // The voice mail payload's urgent marker followed by text, written and (below) read.
         WireCase{"is91_voice_mail_carries_priority_and_count", [](auto &bd) { is91(bd, WMS_IS91EP_VOICE_MAIL, "OK"), bd.mask |= WMS_MASK_BD_PRIORITY | WMS_MASK_BD_NUM_OF_MSGS, bd.num_messages = 7, bd.priority = 2; }, {0x01, 0x07, 0x0C, 0x10, 0x28, 0x03, 0x83, 0x7D, 0x60}, kEncodeOnly},
         // The payload's mask replaces the user response read before it.
         WireCase{"is91_voice_mail_keeps_the_identifier", [](auto &bd) { bd.mask = WMS_MASK_BD_MSG_ID | WMS_MASK_BD_ALERT | WMS_MASK_BD_NUM_OF_MSGS | WMS_MASK_BD_PRIORITY, bd.message_id.type = 2, bd.message_id.id_number = 0x1234, bd.user_response = 0x77, bd.alert_on_delivery = 1, bd.num_messages = 7, bd.priority = 2, is91(bd, WMS_IS91EP_VOICE_MAIL, "OK"); }, {0x00, 0x03, 0x21, 0x23, 0x40, 0x02, 0x01, 0x77, 0x01, 0x07, 0x0C, 0x10, 0x28, 0x03, 0x83, 0x7D, 0x60}, kDecodeOnly},
@@ -423,10 +424,6 @@ INSTANTIATE_TEST_SUITE_P(
         PayloadCase{
             "voice_mail_normal", 130, payload(130, kCount | kUrgent, 5, "", 0), {0x00, 0x05, 0x00}, kDecodeOnly},
         PayloadCase{"voice_mail_text_without_marker", 130, payload(130, kCount | kText, 42, "AH"), {4, 2, 0x21, 0x28}},
-        PayloadCase{"voice_mail_marker_then_text",
-                    130,
-                    payload(130, kCount | kUrgent | kText, 7, "OK", 2),
-                    {0, 7, 1, 0x2F, 0x2B}},
         PayloadCase{"voice_mail_text_cut_at_the_records_capacity", 130,
                     [](auto &bd) {
                         payload(130, kCount | kUrgent | kText, 0, "")(bd),

@@ -203,8 +203,7 @@ TEST(TreeLinks, RemoveAttributeNode)
     xmltest::Tree a(tree->firstAttr);
     ASSERT_EQ(NDL_XML_RemoveNode(a.get()), XML_OK);
     EXPECT_EQ(describe(tree.get()), "r{c=3}");
-    EXPECT_EQ(a->parent, nullptr);
-    EXPECT_EQ(a->nextSibling, nullptr);
+    EXPECT_TRUE(a->parent == nullptr && a->nextSibling == nullptr);
 }
 
 // A copy sharing any string with its source is freed twice.
