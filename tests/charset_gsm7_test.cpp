@@ -133,6 +133,7 @@ TEST(Bit7ToUtf8, HandleInputConvertsInPlaceWithinTheBuffer)
     std::memcpy(text.data(), turkish, 3);
     ASSERT_EQ(handle_input_sms_7bit_to_utf8(text.data(), 3, 1, kLocking, &len), 0);
     EXPECT_STREQ(reinterpret_cast<char *>(text.data()), "\xC4\xB1 e");
+    EXPECT_EQ(len, 4u);  // a locking shift takes the general path, which counts too
     text.assign(513, 0x41);
     ASSERT_EQ(handle_input_sms_7bit_to_utf8(text.data(), 512, 0, 0, &len), 0);
     EXPECT_EQ(text[512], 0);  // a full text keeps its terminator
