@@ -439,6 +439,8 @@ void *any_realloc(void *p, size_t n) { return std::realloc(p, n); }
 // A table with a hole is refused and the counting hooks stay in place.
 TEST(MemoryHooks, IncompleteTableIsRefusedAndEachServiceReachesItsHook)
 {
+    EXPECT_STREQ(GRV_XML_GetVersion(), "V1.01");
+    EXPECT_EQ(NDL_XML_RegDebugFunc([](const char *) {}), XML_ERR_NOT_FOUND);  // no debug output to route
     xmltest::HookScope hooks;
     EXPECT_EQ(NDL_XML_RegMemFunc(nullptr, any_calloc, any_free, any_realloc), XML_ERR_PARAM);
     EXPECT_EQ(NDL_XML_RegMemFunc(any_malloc, nullptr, any_free, any_realloc), XML_ERR_PARAM);
