@@ -20,30 +20,7 @@ namespace {
 
 using namespace smsutil::test;
 
-using smsutil::charset::kv8bit_block;
 using smsutil::charset::kv8bit_ucs2_table;
-
-// The low half is the default alphabet (the commercial at moved to 0x80);
-// every upper byte with a character carries the code under which its own
-// block's extension row holds that character, the others carry none.
-TEST(Kv8bitTables, LineUpWithTheSevenBitRows)
-{
-    int characters = 0;
-    for (int b = 1; b < 0x80; ++b) EXPECT_EQ(kv8bit_ucs2_table[b], g_GSM_7BitTable[0][b]) << std::hex << b;
-    EXPECT_EQ(kv8bit_ucs2_table[0x80], g_GSM_7BitTable[0][0]);
-    for (int b = 0x81; b <= 0xFF; ++b) {
-        const uint8_t code = extern_code_table[b & 0x7F];
-        const uint32_t block = kv8bit_block(static_cast<uint8_t>(b));
-        if (kv8bit_ucs2_table[b] == 0xFFFF) {
-            EXPECT_EQ(code, KV8BIT_NO_EXTENSION_CODE) << std::hex << b;
-            continue;
-        }
-        ++characters;
-        ASSERT_LT(block, 3u) << std::hex << b;
-        EXPECT_EQ(g_GSM_7BitExtTable[block][code & 0x7F], kv8bit_ucs2_table[b]) << std::hex << b;
-    }
-    EXPECT_EQ(characters, 11 + 17 + 19);
-}
 
 // The compile-time inverse against the search it replaces, for every unit.
 // The search compares the unit as a signed 16-bit value, so nothing from

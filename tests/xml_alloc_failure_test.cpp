@@ -122,22 +122,6 @@ long kept(XML_Node *&node, long rc, Out &out)
     return rc;
 }
 
-long new_node(XML_Node *, Out &out)
-{
-    XML_Node *n = XML_NewNode(XML_NODE_ATTR);
-    out = n == nullptr ? "null" : n->kind == XML_NODE_ATTR ? "attr" : "?";
-    XML_FreeSingleNode(n);
-    return out == "null" ? kNoMemory : 0;
-}
-
-long strdup_text(XML_Node *, Out &out)
-{
-    char *copy = XML_Strdup("text");
-    out = copy != nullptr ? copy : "null";
-    XML_Free(copy);
-    return out == "null" ? kNoMemory : 0;
-}
-
 long create(XML_Node *, Out &out)
 {
     XML_Node *n = nullptr;
@@ -216,7 +200,6 @@ long set_value_ex(XML_Node *t, Out &) { return NDL_XML_SetNodeValueEx(t, XML_VAL
 long set_attr_ex(XML_Node *t, Out &) { return NDL_XML_SetAttrValueEx(t, nullptr, "a", XML_VAL_UINT32, &kSeven); }
 long new_attr_ex(XML_Node *t, Out &) { return NDL_XML_SetAttrValueEx(t, "p", "n", XML_VAL_UINT32, &kSeven); }
 long buf_insert(XML_Node *, Out &out) { return buffer_after(XML_MemBufInsert(&g_buf, "ab", 2, 1000), out); }
-long buf_append(XML_Node *, Out &out) { return buffer_after(XML_MemBufAppendStr(&g_buf, "end"), out); }
 long buf_assign(XML_Node *, Out &out) { return buffer_after(XML_MemBufAssign(&g_buf, kLong.c_str(), 3000), out); }
 
 const char kDoc[] = "<r a='1'>old</r>";
@@ -225,8 +208,6 @@ const char kEscaped[] = "<r a='&quot;'><c>t&amp;u</c><d/></r>";
 const char kWritten[] = "<r a=\"&quot;\">\n<c>t&amp;u</c>\n<d/>\n</r>\n|r{a=\"}[c(t&u),d]";
 
 const SweepCase kCases[] = {
-    {"NewNode", nullptr, new_node, kNoMemory, "null", 0, "attr"},
-    {"Strdup", nullptr, strdup_text, kNoMemory, "null", 0, "text"},
     {"CreateNode", nullptr, create, kNoMemory, "", 0, "p:n(v)"},
     {"NdlSetNodeFields", "<p:n>v</p:n>", set_node, kNoMemory, "|p:n(v)", 0, "|q:m(w)"},
     {"SetAttr", kDoc, set_attr, kNoMemory, "|r{a=1}(old)", 0, "|r{a=new}(old)"},
@@ -237,10 +218,7 @@ const SweepCase kCases[] = {
     {"SetAttrValueExNew", kDoc, new_attr_ex, kNoMemory, "|r{a=1}(old)", 0, "|r{a=1,p:n=7}(old)"},
     {"CloneNode", kNested, clone<NDL_XML_CloneNode>, kNoMemory, "|r{a=1}[c{x=2}[d(t)]]", 0,
      "c{x=2}[d(t)]|r{a=1}[c{x=2}[d(t)]]"},
-    {"CloneNodeSelf", kNested, clone<NDL_XML_CloneNodeSelf>, kNoMemory, "|r{a=1}[c{x=2}[d(t)]]", 0,
-     "c{x=2}|r{a=1}[c{x=2}[d(t)]]"},
     {"MemBufInsert", nullptr, buf_insert, kNoMemory, "1024:-:", 0, "1026:1000:ab", true},
-    {"MemBufAppendStr", nullptr, buf_append, kNoMemory, "1024:-:", 0, "1027:1024:end", true},
     {"MemBufAssign", nullptr, buf_assign, kNoMemory, "1024:-:", 0, "3000:0:xxxxxxxx", true},
     {"Parse", nullptr, parse, kNoMemory, "", 0, "p:r{a=1,q:b=<}[c(t&),d] + s", false, 0, XML_ERR_SYNTAX},
     {"ParseFile", nullptr, parse_file, kNoMemory, "", 0, "r{a=1}[c(t),d]", false, 0, XML_ERR_SYNTAX},

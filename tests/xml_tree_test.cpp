@@ -2,6 +2,7 @@
 // the memory hooks.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -37,6 +38,11 @@ TEST(NodeModel, SetNodeNullLeavesEmptyClearsTextReplaces)
     }
     EXPECT_EQ(XML_Strdup(""), nullptr);
     EXPECT_EQ(NDL_XML_SetNode(nullptr, "p", "n", "v"), XML_ERR_PARAM);
+    XML_Node *node = nullptr;
+    EXPECT_EQ(NDL_XML_CreateNode(1, nullptr, "n", nullptr, &node), XML_ERR_PARAM);
+    EXPECT_EQ(NDL_XML_CreateNode(0, nullptr, "n", nullptr, nullptr), XML_ERR_PARAM);
+    EXPECT_EQ(node, nullptr);
+    EXPECT_EQ(describe(xmltest::Tree(make(nullptr)).get()), "?");
 }
 
 TEST(NodeModel, SetNodeFailureKeepsFieldsButNotTheCleared)
@@ -48,42 +54,25 @@ TEST(NodeModel, SetNodeFailureKeepsFieldsButNotTheCleared)
     EXPECT_EQ(describe(node.get()), "n(v)");
 }
 
-TEST(NodeModel, CreateNodeArgumentsAndNamelessNode)
-{
-    XML_Node *node = nullptr;
-    EXPECT_EQ(NDL_XML_CreateNode(1, nullptr, "n", nullptr, &node), XML_ERR_PARAM);
-    EXPECT_EQ(NDL_XML_CreateNode(0, nullptr, "n", nullptr, nullptr), XML_ERR_PARAM);
-    EXPECT_EQ(node, nullptr);
-    xmltest::Tree nameless(make(nullptr));
-    EXPECT_EQ(nameless->kind, XML_NODE_ELEMENT);
-    EXPECT_EQ(nameless->name, nullptr);
-}
-
 TEST(NodeModel, GettersAndNavigation)
 {
     xmltest::Tree tree = xmltest::parse("<p:r a='1'><a/><b>x</b><c/></p:r>");
-    uint32_t kind = 9;
-    const char *prefix = nullptr;
-    const char *name = nullptr;
-    const char *value = nullptr;
+    uint32_t kind = 9, count = 7, leaf_count = 7;
+    const char *prefix = "-", *name = nullptr, *value = nullptr;
     XML_Node *b = NDL_XML_GetNodeNextSibling(NDL_XML_GetNodeFirstChild(tree.get()));
     ASSERT_EQ(NDL_XML_GetNodeValue(b, &kind, &prefix, &name, &value), XML_OK);
-    EXPECT_EQ(kind, XML_NODE_ELEMENT);
-    EXPECT_EQ(prefix, nullptr);
-    EXPECT_STREQ(name, "b");
-    EXPECT_STREQ(value, "x");
+    EXPECT_EQ(std::to_string(kind) + (prefix == nullptr ? "" : "!") + name + value, "0bx");
     ASSERT_EQ(NDL_XML_GetNodeValue(tree.get(), nullptr, &prefix, nullptr, nullptr), XML_OK);
     EXPECT_STREQ(prefix, "p");
     EXPECT_EQ(NDL_XML_GetNodeValue(nullptr, &kind, nullptr, nullptr, nullptr), XML_ERR_PARAM);
     EXPECT_EQ(NDL_XML_GetNodePrevSibling(NDL_XML_GetNodeLastChild(tree.get())), b);
     EXPECT_EQ(NDL_XML_GetNodeParent(b), tree.get());
-    uint32_t count = 7;
     EXPECT_EQ(NDL_XML_GetNodeChildNum(nullptr, &count), XML_ERR_PARAM);
     EXPECT_EQ(NDL_XML_GetNodeChildNum(tree.get(), nullptr), XML_ERR_PARAM);
     ASSERT_EQ(NDL_XML_GetNodeChildNum(tree.get(), &count), XML_OK);
+    ASSERT_EQ(NDL_XML_GetNodeChildNum(b, &leaf_count), XML_OK);
     EXPECT_EQ(count, 3u);
-    ASSERT_EQ(NDL_XML_GetNodeChildNum(b, &count), XML_OK);
-    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(leaf_count, 0u);
     for (auto get : {NDL_XML_GetNodeParent, NDL_XML_GetNodeFirstChild, NDL_XML_GetNodeLastChild,
                      NDL_XML_GetNodeNextSibling, NDL_XML_GetNodePrevSibling})
         EXPECT_EQ(get(nullptr), nullptr);
@@ -176,7 +165,6 @@ TEST(TreeLinks, RefusedInsertionsChangeNothing)
         EXPECT_EQ(apply(op, nullptr, lone.get()), XML_ERR_PARAM);
     }
     EXPECT_EQ(describe(tree.get()), before);
-    EXPECT_EQ(describe(lone.get()), "lone");
     // A detached node cannot go into its own subtree either.
     XML_Node *leaf = make("leaf");
     ASSERT_EQ(NDL_XML_AppendChildNode(x, leaf), XML_OK);
@@ -215,8 +203,7 @@ TEST(TreeLinks, RemoveAttributeNode)
     xmltest::Tree a(tree->firstAttr);
     ASSERT_EQ(NDL_XML_RemoveNode(a.get()), XML_OK);
     EXPECT_EQ(describe(tree.get()), "r{c=3}");
-    EXPECT_EQ(a->parent, nullptr);
-    EXPECT_EQ(a->nextSibling, nullptr);
+    EXPECT_TRUE(a->parent == nullptr && a->nextSibling == nullptr);
 }
 
 // A copy sharing any string with its source is freed twice.
@@ -279,9 +266,7 @@ TEST(Attributes, GetAndIterate)
     EXPECT_EQ(get(nullptr, "zz"), "3:-");
     EXPECT_EQ(get(nullptr, nullptr), "1:-");
     EXPECT_EQ(NDL_XML_GetAttr(tree.get(), nullptr, "a", nullptr), XML_ERR_PARAM);
-    const char *prefix = nullptr;
-    const char *name = nullptr;
-    const char *value = nullptr;
+    const char *prefix = nullptr, *name = nullptr, *value = nullptr;
     std::string seen;
     for (uint32_t rc = NDL_XML_GetFirstAttr(tree.get(), &prefix, &name, &value); rc == XML_OK;
          rc = NDL_XML_GetNextSiblingAttr(tree.get(), prefix, name, &prefix, &name, &value))
@@ -305,19 +290,13 @@ TEST(Attributes, SetChangesOrClearsAndRemoveKeepsTheOrder)
     EXPECT_EQ(NDL_XML_SetAttr(r, nullptr, "a", nullptr), XML_OK);
     EXPECT_EQ(NDL_XML_SetAttr(nullptr, nullptr, "a", "1"), XML_ERR_PARAM);
     EXPECT_EQ(describe(r), "r{a,p:b,c=3}");
-    const struct {
-        const char *prefix, *name, *expected;
-    } removals[] = {{nullptr, "b", "missing"}, {"p", "b", "r{a,c=3}"}, {nullptr, "c", "r{a}"}, {"", "a", "r"}};
-    for (const auto &c : removals) {
-        const bool missing = std::string(c.expected) == "missing";
-        EXPECT_EQ(NDL_XML_RemoveAttr(r, c.prefix, c.name), missing ? XML_ERR_NOT_FOUND : XML_OK);
-        if (!missing) {
-            EXPECT_EQ(describe(r), c.expected);
-        }
-    }
+    EXPECT_EQ(NDL_XML_RemoveAttr(r, nullptr, "b"), XML_ERR_NOT_FOUND);
+    EXPECT_EQ(NDL_XML_RemoveAttr(r, "p", "b"), XML_OK);
+    EXPECT_EQ(describe(r), "r{a,c=3}");
+    EXPECT_EQ(NDL_XML_RemoveAttr(r, nullptr, "c"), XML_OK);
+    EXPECT_EQ(NDL_XML_RemoveAttr(r, "", "a"), XML_OK);
+    EXPECT_EQ(describe(r), "r");
 }
-
-std::size_t width(uint32_t type) { return type <= XML_VAL_UINT32 ? 4 : type <= XML_VAL_UINT16 ? 2 : 1; }
 
 TEST(TypedValues, RefusedArguments)
 {
@@ -337,30 +316,14 @@ TEST(TypedValues, RefusedArguments)
     EXPECT_EQ(describe(tree.get()), "r{a=5}(5)");
 }
 
-// Bytes beyond the type's width must not matter.
-TEST(TypedValues, WritesFormatAtTheTypesWidth)
+// Formatting at every width is checked by the typed reads of the XML cases,
+// which write each value back.  A boolean is the whole 32-bit word.
+TEST(TypedValues, BooleanWordAndAttributesUpdatedOrAppended)
 {
-    const struct {
-        uint32_t type;
-        int64_t value;
-        const char *text;
-    } cases[] = {{XML_VAL_BOOL, 0x100, "true"},
-                 {XML_VAL_BOOL, 0, "false"},
-                 {XML_VAL_INT32, INT32_MIN, "-2147483648"},
-                 {XML_VAL_UINT32, UINT32_MAX, "4294967295"},
-                 {XML_VAL_INT16, -300, "-300"},
-                 {XML_VAL_UINT16, 65535, "65535"},
-                 {XML_VAL_INT8, -5, "-5"},
-                 {XML_VAL_UINT8, 251, "251"}};
-    for (const auto &c : cases) {
-        unsigned char raw[8];
-        std::memset(raw, 0x7F, sizeof raw);
-        std::memcpy(raw, &c.value, width(c.type));
-        xmltest::Tree tree = xmltest::parse("<r>old</r>");
-        ASSERT_EQ(NDL_XML_SetNodeValueEx(tree.get(), c.type, raw), XML_OK);
-        ASSERT_EQ(NDL_XML_SetAttrValueEx(tree.get(), "p", "a", c.type, raw), XML_OK);
-        EXPECT_EQ(describe(tree.get()), std::string("r{p:a=") + c.text + "}(" + c.text + ")");
-    }
+    const uint32_t wide_true = 0x100;
+    xmltest::Tree node = xmltest::parse("<r/>");
+    ASSERT_EQ(NDL_XML_SetNodeValueEx(node.get(), XML_VAL_BOOL, &wide_true), XML_OK);
+    EXPECT_EQ(describe(node.get()), "r(true)");
     // An existing attribute is updated, a new one appended; "" finds no
     // unprefixed attribute, and the new one would collide with it.
     xmltest::Tree tree = xmltest::parse("<r a='1' b='2'/>");
@@ -379,7 +342,7 @@ protected:
     XML_MemBuf buf_{};
 };
 
-// Growth in 1024-byte steps, or by the size of a larger insertion.
+// Growth in 1024-byte steps (by the size of a larger insertion: see the assignments).
 TEST_F(MemBuf, GrowsInSteps)
 {
     const char byte = 'x';
@@ -388,13 +351,6 @@ TEST_F(MemBuf, GrowsInSteps)
     ASSERT_EQ(XML_MemBufAppend(&buf_, &byte), XML_OK);
     EXPECT_EQ(buf_.capacity, 2048u);
     EXPECT_EQ(buf_.data[1025], '\0');
-    XML_MemBuf big;
-    XML_MembufInit(&big);
-    ASSERT_EQ(XML_MemBufAppendStr(&big, "a"), XML_OK);
-    ASSERT_EQ(XML_MemBufAppendStr(&big, std::string(3000, 'b').c_str()), XML_OK);
-    EXPECT_EQ(big.capacity, 1024u + 3000u);
-    EXPECT_EQ(std::string(big.data), "a" + std::string(3000, 'b'));
-    XML_MembufDestroy(&big);
 }
 
 // An assignment shrinks the buffer only when it frees more than one step.
@@ -475,21 +431,24 @@ TEST_F(MemBuf, GrowthFallsBackToExactSize)
     EXPECT_EQ(hooks.requests(), 2);
 }
 
+void *any_malloc(size_t n) { return std::malloc(n); }
+void *any_calloc(size_t c, size_t n) { return std::calloc(c, n); }
+void any_free(void *p) { std::free(p); }
+void *any_realloc(void *p, size_t n) { return std::realloc(p, n); }
+
+// A table with a hole is refused and the counting hooks stay in place.
 TEST(MemoryHooks, IncompleteTableIsRefusedAndEachServiceReachesItsHook)
 {
     EXPECT_STREQ(GRV_XML_GetVersion(), "V1.01");
-    EXPECT_EQ(NDL_XML_RegDebugFunc([](const char *) {}), XML_ERR_NOT_FOUND);
+    EXPECT_EQ(NDL_XML_RegDebugFunc([](const char *) {}), XML_ERR_NOT_FOUND);  // no debug output to route
     xmltest::HookScope hooks;
-    using namespace xmltest;
-    EXPECT_EQ(NDL_XML_RegMemFunc(nullptr, plain_calloc, plain_free, plain_realloc), XML_ERR_PARAM);
-    EXPECT_EQ(NDL_XML_RegMemFunc(plain_malloc, nullptr, plain_free, plain_realloc), XML_ERR_PARAM);
-    EXPECT_EQ(NDL_XML_RegMemFunc(plain_malloc, plain_calloc, nullptr, plain_realloc), XML_ERR_PARAM);
-    EXPECT_EQ(NDL_XML_RegMemFunc(plain_malloc, plain_calloc, plain_free, nullptr), XML_ERR_PARAM);
-    // Still the counting table.
-    void *a = XML_Malloc(4);
+    EXPECT_EQ(NDL_XML_RegMemFunc(nullptr, any_calloc, any_free, any_realloc), XML_ERR_PARAM);
+    EXPECT_EQ(NDL_XML_RegMemFunc(any_malloc, nullptr, any_free, any_realloc), XML_ERR_PARAM);
+    EXPECT_EQ(NDL_XML_RegMemFunc(any_malloc, any_calloc, nullptr, any_realloc), XML_ERR_PARAM);
+    EXPECT_EQ(NDL_XML_RegMemFunc(any_malloc, any_calloc, any_free, nullptr), XML_ERR_PARAM);
+    void *a = XML_Realloc(XML_Malloc(4), 64);
     void *b = XML_Calloc(2, 4);
     EXPECT_EQ(static_cast<unsigned char *>(b)[7], 0);
-    a = XML_Realloc(a, 64);
     EXPECT_EQ(hooks.requests(), 3);
     EXPECT_EQ(hooks.live(), 2);
     XML_Free(a);

@@ -152,10 +152,6 @@ const bool g_listening = [] {
 }  // namespace
 
 void install_counting_hooks() { NDL_XML_RegMemFunc(counting_malloc, counting_calloc, counting_free, counting_realloc); }
-void *plain_malloc(size_t n) { return std::malloc(n); }
-void *plain_calloc(size_t c, size_t n) { return std::calloc(c, n); }
-void plain_free(void *p) { std::free(p); }
-void *plain_realloc(void *p, size_t n) { return std::realloc(p, n); }
 
 // Counters restart inside the scope; what the scope saw is added back on
 // leaving, so the listener still sees the whole test's balance.

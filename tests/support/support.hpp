@@ -92,10 +92,6 @@ struct HookCounters {
 extern HookCounters g_hooks;
 
 void install_counting_hooks();
-void *plain_malloc(size_t n);
-void *plain_calloc(size_t c, size_t n);
-void plain_free(void *p);
-void *plain_realloc(void *p, size_t n);
 
 // Restarts the counters for its lifetime and makes request `fail_at` fail
 // (and every later one with `persistent`).
