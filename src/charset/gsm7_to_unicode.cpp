@@ -17,9 +17,10 @@ constexpr const char *kName = "gsm7_to_unicode";
 struct UnitSink {
     UnitSink(std::uint16_t *buffer, std::int32_t capacity)
         : units(capacity > 0 ? buffer : nullptr),
-          limit(capacity == 0 ? UINT32_MAX : capacity < 0 ? 0 : static_cast<std::uint32_t>(capacity))
-    {
-    }
+          limit(capacity == 0  ? UINT32_MAX
+                : capacity < 0 ? 0
+                               : static_cast<std::uint32_t>(capacity))
+    {}
 
     std::uint16_t *units;  // null when only counting
     std::uint32_t limit;

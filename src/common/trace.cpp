@@ -28,7 +28,8 @@ std::size_t put_prefix(char *out, const char *func, int line)
     *p++ = ' ';
     char digits[12];
     std::size_t n = 0;
-    for (unsigned v = static_cast<unsigned>(line); n == 0 || v != 0; v /= 10) digits[n++] = static_cast<char>('0' + v % 10);
+    for (unsigned v = static_cast<unsigned>(line); n == 0 || v != 0; v /= 10)
+        digits[n++] = static_cast<char>('0' + v % 10);
     for (std::size_t i = n; i < kLineColumns; ++i) *p++ = ' ';
     while (n > 0) *p++ = digits[--n];
     *p++ = ']';
