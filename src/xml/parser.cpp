@@ -165,6 +165,28 @@ const char *token_end(const char *p, const char *end)
     }
 }
 
+// First c in [p, end), or null: for the short values, texts and names of a
+// document an inline scan a word at a time beats the library's search,
+// whose call and set-up cost more than the scan.
+const char *find_byte(const char *p, const char *end, char c)
+{
+    if constexpr (std::endian::native == std::endian::little) {
+        const Word pattern = kLaneOnes * static_cast<unsigned char>(c);
+        while (static_cast<std::size_t>(end - p) >= sizeof(Word)) {
+            Word word;
+            std::memcpy(&word, p, sizeof word);
+            const Word x = word ^ pattern;
+            // The lowest flagged lane is always a true match.
+            const Word hits = (x - kLaneOnes) & ~x & kLaneHigh;
+            if (hits != 0) return p + static_cast<unsigned>(std::countr_zero(hits)) / 8;
+            p += sizeof(Word);
+        }
+    }
+    for (; p < end; ++p)
+        if (*p == c) return p;
+    return nullptr;
+}
+
 // Comments and processing instructions, each followed by whitespace.  A
 // second XML declaration is an error.  Kept out of the flattened driver
 // (as are the prolog and the start of a new node block): rare, and inlined
@@ -274,7 +296,7 @@ bool token_equals_name(const ParseState &s, const XML_Node *node)
 bool split_qname_copy(XML_Node *node, const char *raw, std::size_t len)
 {
     char *room = node_text_room(node);
-    const auto *colon = static_cast<const char *>(std::memchr(raw, ':', len));
+    const char *colon = find_byte(raw, raw + len, ':');
     if (colon == nullptr) {
         if (decode_into(raw, len, room) == kBadReference) return false;
         node->name = room;
@@ -372,9 +394,40 @@ void link_pending(ParseState &s, bool open)
     s.currentOpen = open;
 }
 
-bool parse_start_tag(ParseState &s)
+// Sets the current token to text[0, len) and moves the cursor past it.
+void take_token(ParseState &s, const char *text, const char *end)
 {
-    if (!read_name(s) || !make_pending(s) || !read_token(s)) return false;
+    s.tokenStart = text;
+    s.tokenLength = static_cast<std::size_t>(end - text);
+    s.tokenValid = true;
+    s.cursor = end;
+}
+
+// Where the common markup after a name or a value starts: past any
+// whitespace when a name, ">" or "/>" follows it, else null and the
+// caller reads a token.  Whitespace before anything else may hide a
+// comment that only the tokenizer skips.
+const char *after_space(const char *p)
+{
+    const char *q = p;
+    while (is_space(*q)) ++q;
+    if (*q == '>' || (*q == '/' && q[1] == '>') || (q != p && byte_class(*q) == 0)) return q;
+    return nullptr;
+}
+
+// After the element's name: "/>", ">" or the first attribute's name.
+bool finish_start_tag(ParseState &s)
+{
+    const char *q = after_space(s.cursor);
+    if (q != nullptr && byte_class(*q) == 0) {
+        take_token(s, q, token_end(q, s.end));
+    } else if (q != nullptr) {
+        s.tokenStart = q;
+        s.tokenLength = *q == '>' ? 1 : 2;
+        s.cursor = q + s.tokenLength;
+    } else if (!read_token(s)) {
+        return false;
+    }
     if (token_is(s, "/>")) {
         if (!split_qname_in_place(s.pending)) return false;
         link_pending(s, false);
@@ -389,6 +442,29 @@ bool parse_start_tag(ParseState &s)
     return true;
 }
 
+bool parse_start_tag(ParseState &s) { return read_name(s) && make_pending(s) && finish_start_tag(s); }
+
+// Two strings compare equal by str_cmp_null.
+bool same_text(const char *a, const char *b)
+{
+    if (a == nullptr || b == nullptr) return a == b;
+    for (; *a == *b; ++a, ++b)
+        if (*a == '\0') return true;
+    return false;
+}
+
+// XML_AddAttrNode for a fresh attribute, inlined: the duplicate check and
+// the search for the list's end in one walk.
+bool add_attr(XML_Node *attr, XML_Node *element)
+{
+    XML_Node **tail = &element->firstAttr;
+    for (; *tail != nullptr; tail = &(*tail)->nextSibling)
+        if (same_text((*tail)->prefix, attr->prefix) && same_text((*tail)->name, attr->name)) return false;
+    *tail = attr;
+    attr->parent = element;
+    return true;
+}
+
 // One attribute: name, "=", quoted value; added to the current element.
 bool parse_attribute(ParseState &s)
 {
@@ -396,15 +472,22 @@ bool parse_attribute(ParseState &s)
     if (name == s.input || !is_space(name[-1]) || is_delimiter(name)) return false;
     XML_Node *attr = carve_node(s, XML_NODE_ATTR, s.tokenLength + 1);
     if (attr == nullptr) return false;
-    bool ok = split_qname_copy(attr, name, s.tokenLength) && read_token(s) && token_is(s, "=") && read_token(s) &&
-              (token_is(s, "\"") || token_is(s, "'"));
+    bool ok = split_qname_copy(attr, name, s.tokenLength);
+    const char *p = s.cursor;
+    if (ok && p[0] == '=' && (p[1] == '"' || p[1] == '\'')) {
+        // The usual name="value": the two tokens read in place.
+        s.tokenStart = p + 1;
+        s.cursor = p + 2;
+    } else if (ok) {
+        ok = read_token(s) && token_is(s, "=") && read_token(s) && (token_is(s, "\"") || token_is(s, "'"));
+    }
     if (ok) {
         const char *value = s.cursor;
-        const char *close = std::strchr(value, *s.tokenStart);
+        const char *close = find_byte(value, s.end, *s.tokenStart);
         ok = close != nullptr && copy_decoded(value, static_cast<std::size_t>(close - value), &attr->value);
         if (ok) s.cursor = close + 1;
     }
-    if (ok) ok = XML_AddAttrNode(attr, s.current) == XML_OK;
+    if (ok) ok = add_attr(attr, s.current);
     if (!ok) XML_FreeSingleNode(attr);
     return ok;
 }
@@ -413,7 +496,18 @@ bool parse_attrs(ParseState &s)
 {
     for (;;) {
         if (!parse_attribute(s)) return false;
-        if (!read_token(s) || *s.tokenStart == '<') return false;
+        const char *q = after_space(s.cursor);
+        if (q != nullptr && byte_class(*q) == 0) {
+            take_token(s, q, token_end(q, s.end));
+            continue;
+        }
+        if (q != nullptr) {
+            s.tokenStart = q;
+            s.tokenLength = *q == '>' ? 1 : 2;
+            s.cursor = q + s.tokenLength;
+        } else if (!read_token(s) || *s.tokenStart == '<') {
+            return false;
+        }
         if (!is_delimiter(s.tokenStart)) continue;  // the next attribute's name
         s.mode = kModeContent;
         if (token_is(s, ">")) return true;
@@ -424,9 +518,29 @@ bool parse_attrs(ParseState &s)
     }
 }
 
+// The name after "</", read in place when it follows directly.
+bool read_end_name(ParseState &s)
+{
+    const char *c = s.cursor;
+    if (byte_class(*c) != 0) return read_name(s);
+    take_token(s, c, token_end(c, s.end));
+    return true;
+}
+
+// The ">" of an end tag, after optional whitespace.
+bool read_end_close(ParseState &s)
+{
+    const char *q = s.cursor;
+    while (is_space(*q)) ++q;
+    if (*q != '>') return read_token(s) && token_is(s, ">");
+    s.cursor = q + 1;
+    return true;
+}
+
+// With the cursor after "</".
 bool parse_end_tag(ParseState &s)
 {
-    if (!read_name(s) || s.current == nullptr) return false;
+    if (!read_end_name(s) || s.current == nullptr) return false;
     if (!s.currentOpen) {
         // The last element handled is closed: this end tag is its parent's.
         if (s.current->parent == nullptr) return false;
@@ -435,7 +549,7 @@ bool parse_end_tag(ParseState &s)
     s.currentOpen = false;
     if (!token_equals_name(s, s.current) || !split_qname_in_place(s.current)) return false;
     skip_space(s);
-    return read_token(s) && token_is(s, ">");
+    return read_end_close(s);
 }
 
 // Text is kept only as the whole content of an element: it must be
@@ -446,11 +560,15 @@ bool parse_text(ParseState &s)
     if (element == nullptr || !s.currentOpen) return false;
     const char *start = s.tokenStart;
     while (start > s.input && start[-1] == ' ') --start;
-    const char *end = std::strchr(s.tokenStart, '<');
+    const char *end = find_byte(s.tokenStart, s.end, '<');
     if (end == nullptr || !copy_decoded(start, static_cast<std::size_t>(end - start), &element->value)) return false;
-    s.cursor = end;
-    if (!read_token(s) || !token_is(s, "</") || !read_name(s) || !token_equals_name(s, element) ||
-        !split_qname_in_place(element) || !read_token(s) || !token_is(s, ">"))
+    if (end[1] == '/') {
+        s.cursor = end + 2;
+    } else {
+        s.cursor = end;
+        if (!read_token(s) || !token_is(s, "</")) return false;
+    }
+    if (!read_end_name(s) || !token_equals_name(s, element) || !split_qname_in_place(element) || !read_end_close(s))
         return false;
     s.currentOpen = false;
     s.mode = kModeMarkup;
@@ -462,11 +580,20 @@ Step parse_step(ParseState &s)
     if (*s.cursor == '\0') return Step::kEnd;
     if (s.mode == kModeAttrs) return parse_attrs(s) ? Step::kOk : Step::kFail;
     skip_space(s);
+    const char *c = s.cursor;
     // Text that starts with a plain byte is a token the dispatch below
     // would hand to parse_text, which reads only where it starts.
-    if (s.mode == kModeContent && byte_class(*s.cursor) == 0) {
-        s.tokenStart = s.cursor;
+    if (s.mode == kModeContent && byte_class(*c) == 0) {
+        s.tokenStart = c;
         return parse_text(s) ? Step::kOk : Step::kFail;
+    }
+    // So are "<" and "</" without a comment or processing instruction to
+    // skip: the tags are read from here.
+    if (c[0] == '<' && c[1] != '!' && c[1] != '?') {
+        const bool end_tag = c[1] == '/';
+        s.cursor = c + (end_tag ? 2 : 1);
+        const bool ok = end_tag ? parse_end_tag(s) : parse_start_tag(s);
+        return ok ? Step::kOk : Step::kFail;
     }
     if (!next_token(s)) return *s.cursor == '\0' ? Step::kOk : Step::kFail;
     bool ok = false;
