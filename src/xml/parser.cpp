@@ -285,9 +285,16 @@ bool read_token(ParseState &s) { return next_token(s) && s.tokenLength > 0; }
 // A name is a token that is not itself markup ("<>" or "< ='x'>" name nothing).
 bool read_name(ParseState &s) { return read_token(s) && !is_delimiter(s.tokenStart); }
 
-bool token_equals_name(const ParseState &s, const XML_Node *node)
+// Names this long or longer are compared without their stored length.
+constexpr uint32_t kLongName = UINT32_MAX;
+
+// Whether the current token is the whole name node was parsed with (only
+// elements the parser made and has not split yet are compared).
+bool token_equals_name(const ParseState &s, XML_Node *node)
 {
-    return smsutil::xml::name_equals(node->name, s.tokenStart, s.tokenLength);
+    const uint32_t length = smsutil::xml::node_tail(node).parsedNameLength;
+    if (length == kLongName) return smsutil::xml::name_equals(node->name, s.tokenStart, s.tokenLength);
+    return length == s.tokenLength && smsutil::xml::same_bytes(node->name, s.tokenStart, s.tokenLength);
 }
 
 // Splits a raw attribute name of len bytes into decoded prefix and name,
@@ -367,7 +374,9 @@ bool make_pending(ParseState &s)
     s.pending = carve_node(s, XML_NODE_ELEMENT, s.tokenLength + 1);
     if (s.pending == nullptr) return false;
     char *room = node_text_room(s.pending);
-    if (decode_into(s.tokenStart, s.tokenLength, room) == kBadReference) return false;
+    const std::size_t length = decode_into(s.tokenStart, s.tokenLength, room);
+    if (length == kBadReference) return false;
+    smsutil::xml::node_tail(s.pending).parsedNameLength = static_cast<uint32_t>(std::min<std::size_t>(length, kLongName));
     s.pending->name = room;
     node_flags(s.pending) |= smsutil::xml::kNameInBlock;
     return true;

@@ -66,4 +66,21 @@ inline bool copy_plain(const char *text, std::size_t n, char *out)
     return true;
 }
 
+// Whether a[0, n) and b[0, n) hold the same bytes, compared like
+// copy_plain copies: a word at a time, the last word overlapping.
+inline bool same_bytes(const char *a, const char *b, std::size_t n)
+{
+    if (n >= 8) {
+        for (std::size_t i = 0; i + 8 < n; i += 8)
+            if (load_word<std::uint64_t>(a + i) != load_word<std::uint64_t>(b + i)) return false;
+        return load_word<std::uint64_t>(a + n - 8) == load_word<std::uint64_t>(b + n - 8);
+    }
+    if (n >= 4)
+        return load_word<std::uint32_t>(a) == load_word<std::uint32_t>(b) &&
+               load_word<std::uint32_t>(a + n - 4) == load_word<std::uint32_t>(b + n - 4);
+    for (std::size_t i = 0; i < n; ++i)
+        if (a[i] != b[i]) return false;
+    return true;
+}
+
 }  // namespace smsutil::xml

@@ -54,6 +54,9 @@ enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2 };
 struct NodeTail {
     NodeChunk *chunk;
     unsigned char flags;
+    // Length of the whole name an element was parsed with, for comparing
+    // its end tag; set by the parser only and read only while it parses.
+    std::uint32_t parsedNameLength;
 };
 constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + sizeof(NodeTail);
 
@@ -66,7 +69,7 @@ inline XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
 {
     auto *node = ::new (block) XML_Node{};
     node->kind = kind;
-    ::new (node + 1) NodeTail{chunk, 0};
+    ::new (node + 1) NodeTail{chunk, 0, 0};
     return node;
 }
 
