@@ -376,7 +376,11 @@ bool make_pending(ParseState &s)
     char *room = node_text_room(s.pending);
     const std::size_t length = decode_into(s.tokenStart, s.tokenLength, room);
     if (length == kBadReference) return false;
-    smsutil::xml::node_tail(s.pending).parsedNameLength = static_cast<uint32_t>(std::min<std::size_t>(length, kLongName));
+    smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(s.pending);
+    tail.parsedNameLength = static_cast<uint32_t>(std::min<std::size_t>(length, kLongName));
+    const char *last = s.tokenStart + s.tokenLength - 1;
+    tail.plainName = length == s.tokenLength && length < kLongName && (byte_class(last[0]) & kMaybeClose) == 0 &&
+                     (length < 2 || (byte_class(last[-1]) & kMaybeClose) == 0);
     s.pending->name = room;
     node_flags(s.pending) |= smsutil::xml::kNameInBlock;
     return true;
@@ -546,9 +550,30 @@ bool read_end_close(ParseState &s)
     return true;
 }
 
+// With the cursor after "</": whether the end tag is element's name
+// followed directly by ">", the usual form, which the tokenizer would
+// read as the same name.  Moves the cursor past it if so.
+bool end_tag_matches(ParseState &s, XML_Node *element)
+{
+    const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(element);
+    const std::size_t length = tail.parsedNameLength;
+    const char *c = s.cursor;
+    if (!tail.plainName || static_cast<std::size_t>(s.end - c) <= length || c[length] != '>' ||
+        !smsutil::xml::same_bytes(element->name, c, length))
+        return false;
+    s.cursor = c + length + 1;
+    return true;
+}
+
 // With the cursor after "</".
 bool parse_end_tag(ParseState &s)
 {
+    XML_Node *element = s.current != nullptr && !s.currentOpen ? s.current->parent : s.current;
+    if (element != nullptr && end_tag_matches(s, element)) {
+        s.current = element;
+        s.currentOpen = false;
+        return split_qname_in_place(element);
+    }
     if (!read_end_name(s) || s.current == nullptr) return false;
     if (!s.currentOpen) {
         // The last element handled is closed: this end tag is its parent's.
@@ -573,6 +598,12 @@ bool parse_text(ParseState &s)
     if (end == nullptr || !copy_decoded(start, static_cast<std::size_t>(end - start), &element->value)) return false;
     if (end[1] == '/') {
         s.cursor = end + 2;
+        if (end_tag_matches(s, element)) {
+            if (!split_qname_in_place(element)) return false;
+            s.currentOpen = false;
+            s.mode = kModeMarkup;
+            return true;
+        }
     } else {
         s.cursor = end;
         if (!read_token(s) || !token_is(s, "</")) return false;

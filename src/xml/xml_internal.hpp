@@ -54,8 +54,11 @@ enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2 };
 struct NodeTail {
     NodeChunk *chunk;
     unsigned char flags;
-    // Length of the whole name an element was parsed with, for comparing
-    // its end tag; set by the parser only and read only while it parses.
+    // Set by the parser only and read only while it parses: whether an
+    // end tag may be compared with the stored name byte for byte (the
+    // name had no reference, and no byte at its end whose meaning depends
+    // on what follows), and the length of the whole name.
+    bool plainName;
     std::uint32_t parsedNameLength;
 };
 constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + sizeof(NodeTail);
@@ -69,7 +72,7 @@ inline XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
 {
     auto *node = ::new (block) XML_Node{};
     node->kind = kind;
-    ::new (node + 1) NodeTail{chunk, 0, 0};
+    ::new (node + 1) NodeTail{chunk, 0, false, 0};
     return node;
 }
 
