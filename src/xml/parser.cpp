@@ -455,7 +455,16 @@ bool finish_start_tag(ParseState &s)
     return true;
 }
 
-bool parse_start_tag(ParseState &s) { return read_name(s) && make_pending(s) && finish_start_tag(s); }
+// The name of a tag, read in place when it follows directly.
+bool read_name_in_place(ParseState &s)
+{
+    const char *c = s.cursor;
+    if (byte_class(*c) != 0) return read_name(s);
+    take_token(s, c, token_end(c, s.end));
+    return true;
+}
+
+bool parse_start_tag(ParseState &s) { return read_name_in_place(s) && make_pending(s) && finish_start_tag(s); }
 
 // Two strings compare equal by str_cmp_null.
 bool same_text(const char *a, const char *b)
@@ -531,15 +540,6 @@ bool parse_attrs(ParseState &s)
     }
 }
 
-// The name after "</", read in place when it follows directly.
-bool read_end_name(ParseState &s)
-{
-    const char *c = s.cursor;
-    if (byte_class(*c) != 0) return read_name(s);
-    take_token(s, c, token_end(c, s.end));
-    return true;
-}
-
 // The ">" of an end tag, after optional whitespace.
 bool read_end_close(ParseState &s)
 {
@@ -574,7 +574,7 @@ bool parse_end_tag(ParseState &s)
         s.currentOpen = false;
         return split_qname_in_place(element);
     }
-    if (!read_end_name(s) || s.current == nullptr) return false;
+    if (!read_name_in_place(s) || s.current == nullptr) return false;
     if (!s.currentOpen) {
         // The last element handled is closed: this end tag is its parent's.
         if (s.current->parent == nullptr) return false;
@@ -608,7 +608,7 @@ bool parse_text(ParseState &s)
         s.cursor = end;
         if (!read_token(s) || !token_is(s, "</")) return false;
     }
-    if (!read_end_name(s) || !token_equals_name(s, element) || !split_qname_in_place(element) || !read_end_close(s))
+    if (!read_name_in_place(s) || !token_equals_name(s, element) || !split_qname_in_place(element) || !read_end_close(s))
         return false;
     s.currentOpen = false;
     s.mode = kModeMarkup;
