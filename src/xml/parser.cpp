@@ -15,6 +15,7 @@
 namespace {
 
 using smsutil::xml::copy_decoded;
+using smsutil::xml::copy_plain;
 using smsutil::xml::decode_into;
 using smsutil::xml::kBadReference;
 using smsutil::xml::node_flags;
@@ -303,6 +304,14 @@ bool token_equals_name(const ParseState &s, XML_Node *node)
 bool split_qname_copy(XML_Node *node, const char *raw, std::size_t len)
 {
     char *room = node_text_room(node);
+    bool has_colon = true;
+    if (copy_plain(raw, len, room, &has_colon) && !has_colon) {
+        // The usual name: no reference, no prefix, copied in one pass.
+        room[len] = '\0';
+        node->name = room;
+        node_flags(node) |= smsutil::xml::kNameInBlock;
+        return true;
+    }
     const char *colon = find_byte(raw, raw + len, ':');
     if (colon == nullptr) {
         if (decode_into(raw, len, room) == kBadReference) return false;
@@ -328,6 +337,7 @@ bool split_qname_copy(XML_Node *node, const char *raw, std::size_t len)
 // terminator.
 bool split_qname_in_place(XML_Node *node)
 {
+    if (!smsutil::xml::node_tail(node).nameHasColon) return true;
     char *name = node->name;
     char *colon = name != nullptr ? std::strchr(name, ':') : nullptr;
     if (colon == nullptr) return true;
@@ -374,9 +384,15 @@ bool make_pending(ParseState &s)
     s.pending = carve_node(s, XML_NODE_ELEMENT, s.tokenLength + 1);
     if (s.pending == nullptr) return false;
     char *room = node_text_room(s.pending);
-    const std::size_t length = decode_into(s.tokenStart, s.tokenLength, room);
-    if (length == kBadReference) return false;
     smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(s.pending);
+    std::size_t length = s.tokenLength;
+    if (copy_plain(s.tokenStart, length, room, &tail.nameHasColon)) {
+        room[length] = '\0';
+    } else {
+        length = smsutil::xml::decode_references(s.tokenStart, length, room);
+        if (length == kBadReference) return false;
+        tail.nameHasColon = std::memchr(room, ':', length) != nullptr;
+    }
     tail.parsedNameLength = static_cast<uint32_t>(std::min<std::size_t>(length, kLongName));
     const char *last = s.tokenStart + s.tokenLength - 1;
     tail.plainName = length == s.tokenLength && length < kLongName && (byte_class(last[0]) & kMaybeClose) == 0 &&

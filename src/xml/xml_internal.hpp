@@ -57,8 +57,10 @@ struct NodeTail {
     // Set by the parser only and read only while it parses: whether an
     // end tag may be compared with the stored name byte for byte (the
     // name had no reference, and no byte at its end whose meaning depends
-    // on what follows), and the length of the whole name.
+    // on what follows), whether the name may hold a prefix's colon, and
+    // the length of the whole name.
     bool plainName;
+    bool nameHasColon;
     std::uint32_t parsedNameLength;
 };
 constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + sizeof(NodeTail);
@@ -72,7 +74,7 @@ inline XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
 {
     auto *node = ::new (block) XML_Node{};
     node->kind = kind;
-    ::new (node + 1) NodeTail{chunk, 0, false, 0};
+    ::new (node + 1) NodeTail{chunk, 0, false, true, 0};
     return node;
 }
 
