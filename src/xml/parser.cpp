@@ -395,8 +395,9 @@ bool make_pending(ParseState &s)
     }
     tail.parsedNameLength = static_cast<uint32_t>(std::min<std::size_t>(length, kLongName));
     const char *last = s.tokenStart + s.tokenLength - 1;
-    tail.plainName = length == s.tokenLength && length < kLongName && (byte_class(last[0]) & kMaybeClose) == 0 &&
-                     (length < 2 || (byte_class(last[-1]) & kMaybeClose) == 0);
+    // A closing "-->", "]]>" or "/>" can only begin inside the name if its
+    // last byte is '-', ']' or '/': after it comes what the text holds.
+    tail.plainName = length == s.tokenLength && length < kLongName && (byte_class(*last) & kMaybeClose) == 0;
     s.pending->name = room;
     node_flags(s.pending) |= smsutil::xml::kNameInBlock;
     return true;
