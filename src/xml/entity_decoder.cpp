@@ -109,23 +109,4 @@ std::size_t decode_references(const char *text, std::size_t n, char *out)
     return static_cast<std::size_t>(w - out);
 }
 
-bool copy_decoded(const char *text, std::size_t n, char **out)
-{
-    if (n == 0) {
-        *out = nullptr;
-        return true;
-    }
-    auto *copy = static_cast<char *>(XML_Malloc(n + 1));
-    if (copy == nullptr) return false;
-    const std::size_t len = decode_into(text, n, copy);
-    if (len == kBadReference) {
-        XML_Free(copy);
-        return false;
-    }
-    // What decoding saved stays zero, as in a block zeroed up front.
-    if (len < n) std::memset(copy + len, 0, n + 1 - len);
-    *out = copy;
-    return true;
-}
-
 }  // namespace smsutil::xml

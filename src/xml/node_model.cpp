@@ -107,10 +107,12 @@ namespace {
 // The node's own strings and record; inlined into the tree walk below.
 inline void release_single(XML_Node *node)
 {
+    // Most strings of a parsed tree are absent or live in the node's block:
+    // those are tested here rather than by a call that ignores them.
     const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(node);
-    if ((tail.flags & smsutil::xml::kNameInBlock) == 0) XML_Free(node->name);
-    XML_Free(node->value);
-    if ((tail.flags & smsutil::xml::kPrefixInBlock) == 0) XML_Free(node->prefix);
+    if ((tail.flags & smsutil::xml::kNameInBlock) == 0 && node->name != nullptr) XML_Free(node->name);
+    if (node->value != nullptr) XML_Free(node->value);
+    if ((tail.flags & smsutil::xml::kPrefixInBlock) == 0 && node->prefix != nullptr) XML_Free(node->prefix);
     if (tail.chunk != nullptr)
         smsutil::xml::release_chunk(tail.chunk);
     else

@@ -15,6 +15,7 @@
 namespace {
 
 using smsutil::xml::copy_decoded;
+using smsutil::xml::copy_plain;
 using smsutil::xml::decode_into;
 using smsutil::xml::kBadReference;
 using smsutil::xml::node_flags;
@@ -165,6 +166,28 @@ const char *token_end(const char *p, const char *end)
     }
 }
 
+// First c in [p, end), or null: for the short values, texts and names of a
+// document an inline scan a word at a time beats the library's search,
+// whose call and set-up cost more than the scan.
+const char *find_byte(const char *p, const char *end, char c)
+{
+    if constexpr (std::endian::native == std::endian::little) {
+        const Word pattern = kLaneOnes * static_cast<unsigned char>(c);
+        while (static_cast<std::size_t>(end - p) >= sizeof(Word)) {
+            Word word;
+            std::memcpy(&word, p, sizeof word);
+            const Word x = word ^ pattern;
+            // The lowest flagged lane is always a true match.
+            const Word hits = (x - kLaneOnes) & ~x & kLaneHigh;
+            if (hits != 0) return p + static_cast<unsigned>(std::countr_zero(hits)) / 8;
+            p += sizeof(Word);
+        }
+    }
+    for (; p < end; ++p)
+        if (*p == c) return p;
+    return nullptr;
+}
+
 // Comments and processing instructions, each followed by whitespace.  A
 // second XML declaration is an error.  Kept out of the flattened driver
 // (as are the prolog and the start of a new node block): rare, and inlined
@@ -263,9 +286,16 @@ bool read_token(ParseState &s) { return next_token(s) && s.tokenLength > 0; }
 // A name is a token that is not itself markup ("<>" or "< ='x'>" name nothing).
 bool read_name(ParseState &s) { return read_token(s) && !is_delimiter(s.tokenStart); }
 
-bool token_equals_name(const ParseState &s, const XML_Node *node)
+// Names this long or longer are compared without their stored length.
+constexpr uint32_t kLongName = UINT32_MAX;
+
+// Whether the current token is the whole name node was parsed with (only
+// elements the parser made and has not split yet are compared).
+bool token_equals_name(const ParseState &s, XML_Node *node)
 {
-    return smsutil::xml::name_equals(node->name, s.tokenStart, s.tokenLength);
+    const uint32_t length = smsutil::xml::node_tail(node).parsedNameLength;
+    if (length == kLongName) return smsutil::xml::name_equals(node->name, s.tokenStart, s.tokenLength);
+    return length == s.tokenLength && smsutil::xml::same_bytes(node->name, s.tokenStart, s.tokenLength);
 }
 
 // Splits a raw attribute name of len bytes into decoded prefix and name,
@@ -274,7 +304,15 @@ bool token_equals_name(const ParseState &s, const XML_Node *node)
 bool split_qname_copy(XML_Node *node, const char *raw, std::size_t len)
 {
     char *room = node_text_room(node);
-    const auto *colon = static_cast<const char *>(std::memchr(raw, ':', len));
+    bool has_colon = true;
+    if (copy_plain(raw, len, room, &has_colon) && !has_colon) {
+        // The usual name: no reference, no prefix, copied in one pass.
+        room[len] = '\0';
+        node->name = room;
+        node_flags(node) |= smsutil::xml::kNameInBlock;
+        return true;
+    }
+    const char *colon = find_byte(raw, raw + len, ':');
     if (colon == nullptr) {
         if (decode_into(raw, len, room) == kBadReference) return false;
         node->name = room;
@@ -299,6 +337,7 @@ bool split_qname_copy(XML_Node *node, const char *raw, std::size_t len)
 // terminator.
 bool split_qname_in_place(XML_Node *node)
 {
+    if (!smsutil::xml::node_tail(node).nameHasColon) return true;
     char *name = node->name;
     char *colon = name != nullptr ? std::strchr(name, ':') : nullptr;
     if (colon == nullptr) return true;
@@ -345,7 +384,20 @@ bool make_pending(ParseState &s)
     s.pending = carve_node(s, XML_NODE_ELEMENT, s.tokenLength + 1);
     if (s.pending == nullptr) return false;
     char *room = node_text_room(s.pending);
-    if (decode_into(s.tokenStart, s.tokenLength, room) == kBadReference) return false;
+    smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(s.pending);
+    std::size_t length = s.tokenLength;
+    if (copy_plain(s.tokenStart, length, room, &tail.nameHasColon)) {
+        room[length] = '\0';
+    } else {
+        length = smsutil::xml::decode_references(s.tokenStart, length, room);
+        if (length == kBadReference) return false;
+        tail.nameHasColon = std::memchr(room, ':', length) != nullptr;
+    }
+    tail.parsedNameLength = static_cast<uint32_t>(std::min<std::size_t>(length, kLongName));
+    const char *last = s.tokenStart + s.tokenLength - 1;
+    // A closing "-->", "]]>" or "/>" can only begin inside the name if its
+    // last byte is '-', ']' or '/': after it comes what the text holds.
+    tail.plainName = length == s.tokenLength && length < kLongName && (byte_class(*last) & kMaybeClose) == 0;
     s.pending->name = room;
     node_flags(s.pending) |= smsutil::xml::kNameInBlock;
     return true;
@@ -372,9 +424,40 @@ void link_pending(ParseState &s, bool open)
     s.currentOpen = open;
 }
 
-bool parse_start_tag(ParseState &s)
+// Sets the current token to text[0, len) and moves the cursor past it.
+void take_token(ParseState &s, const char *text, const char *end)
 {
-    if (!read_name(s) || !make_pending(s) || !read_token(s)) return false;
+    s.tokenStart = text;
+    s.tokenLength = static_cast<std::size_t>(end - text);
+    s.tokenValid = true;
+    s.cursor = end;
+}
+
+// Where the common markup after a name or a value starts: past any
+// whitespace when a name, ">" or "/>" follows it, else null and the
+// caller reads a token.  Whitespace before anything else may hide a
+// comment that only the tokenizer skips.
+const char *after_space(const char *p)
+{
+    const char *q = p;
+    while (is_space(*q)) ++q;
+    if (*q == '>' || (*q == '/' && q[1] == '>') || (q != p && byte_class(*q) == 0)) return q;
+    return nullptr;
+}
+
+// After the element's name: "/>", ">" or the first attribute's name.
+bool finish_start_tag(ParseState &s)
+{
+    const char *q = after_space(s.cursor);
+    if (q != nullptr && byte_class(*q) == 0) {
+        take_token(s, q, token_end(q, s.end));
+    } else if (q != nullptr) {
+        s.tokenStart = q;
+        s.tokenLength = *q == '>' ? 1 : 2;
+        s.cursor = q + s.tokenLength;
+    } else if (!read_token(s)) {
+        return false;
+    }
     if (token_is(s, "/>")) {
         if (!split_qname_in_place(s.pending)) return false;
         link_pending(s, false);
@@ -389,6 +472,38 @@ bool parse_start_tag(ParseState &s)
     return true;
 }
 
+// The name of a tag, read in place when it follows directly.
+bool read_name_in_place(ParseState &s)
+{
+    const char *c = s.cursor;
+    if (byte_class(*c) != 0) return read_name(s);
+    take_token(s, c, token_end(c, s.end));
+    return true;
+}
+
+bool parse_start_tag(ParseState &s) { return read_name_in_place(s) && make_pending(s) && finish_start_tag(s); }
+
+// Two strings compare equal by str_cmp_null.
+bool same_text(const char *a, const char *b)
+{
+    if (a == nullptr || b == nullptr) return a == b;
+    for (; *a == *b; ++a, ++b)
+        if (*a == '\0') return true;
+    return false;
+}
+
+// XML_AddAttrNode for a fresh attribute, inlined: the duplicate check and
+// the search for the list's end in one walk.
+bool add_attr(XML_Node *attr, XML_Node *element)
+{
+    XML_Node **tail = &element->firstAttr;
+    for (; *tail != nullptr; tail = &(*tail)->nextSibling)
+        if (same_text((*tail)->prefix, attr->prefix) && same_text((*tail)->name, attr->name)) return false;
+    *tail = attr;
+    attr->parent = element;
+    return true;
+}
+
 // One attribute: name, "=", quoted value; added to the current element.
 bool parse_attribute(ParseState &s)
 {
@@ -396,15 +511,22 @@ bool parse_attribute(ParseState &s)
     if (name == s.input || !is_space(name[-1]) || is_delimiter(name)) return false;
     XML_Node *attr = carve_node(s, XML_NODE_ATTR, s.tokenLength + 1);
     if (attr == nullptr) return false;
-    bool ok = split_qname_copy(attr, name, s.tokenLength) && read_token(s) && token_is(s, "=") && read_token(s) &&
-              (token_is(s, "\"") || token_is(s, "'"));
+    bool ok = split_qname_copy(attr, name, s.tokenLength);
+    const char *p = s.cursor;
+    if (ok && p[0] == '=' && (p[1] == '"' || p[1] == '\'')) {
+        // The usual name="value": the two tokens read in place.
+        s.tokenStart = p + 1;
+        s.cursor = p + 2;
+    } else if (ok) {
+        ok = read_token(s) && token_is(s, "=") && read_token(s) && (token_is(s, "\"") || token_is(s, "'"));
+    }
     if (ok) {
         const char *value = s.cursor;
-        const char *close = std::strchr(value, *s.tokenStart);
+        const char *close = find_byte(value, s.end, *s.tokenStart);
         ok = close != nullptr && copy_decoded(value, static_cast<std::size_t>(close - value), &attr->value);
         if (ok) s.cursor = close + 1;
     }
-    if (ok) ok = XML_AddAttrNode(attr, s.current) == XML_OK;
+    if (ok) ok = add_attr(attr, s.current);
     if (!ok) XML_FreeSingleNode(attr);
     return ok;
 }
@@ -413,7 +535,18 @@ bool parse_attrs(ParseState &s)
 {
     for (;;) {
         if (!parse_attribute(s)) return false;
-        if (!read_token(s) || *s.tokenStart == '<') return false;
+        const char *q = after_space(s.cursor);
+        if (q != nullptr && byte_class(*q) == 0) {
+            take_token(s, q, token_end(q, s.end));
+            continue;
+        }
+        if (q != nullptr) {
+            s.tokenStart = q;
+            s.tokenLength = *q == '>' ? 1 : 2;
+            s.cursor = q + s.tokenLength;
+        } else if (!read_token(s) || *s.tokenStart == '<') {
+            return false;
+        }
         if (!is_delimiter(s.tokenStart)) continue;  // the next attribute's name
         s.mode = kModeContent;
         if (token_is(s, ">")) return true;
@@ -424,9 +557,41 @@ bool parse_attrs(ParseState &s)
     }
 }
 
+// The ">" of an end tag, after optional whitespace.
+bool read_end_close(ParseState &s)
+{
+    const char *q = s.cursor;
+    while (is_space(*q)) ++q;
+    if (*q != '>') return read_token(s) && token_is(s, ">");
+    s.cursor = q + 1;
+    return true;
+}
+
+// With the cursor after "</": whether the end tag is element's name
+// followed directly by ">", the usual form, which the tokenizer would
+// read as the same name.  Moves the cursor past it if so.
+bool end_tag_matches(ParseState &s, XML_Node *element)
+{
+    const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(element);
+    const std::size_t length = tail.parsedNameLength;
+    const char *c = s.cursor;
+    if (!tail.plainName || static_cast<std::size_t>(s.end - c) <= length || c[length] != '>' ||
+        !smsutil::xml::same_bytes(element->name, c, length))
+        return false;
+    s.cursor = c + length + 1;
+    return true;
+}
+
+// With the cursor after "</".
 bool parse_end_tag(ParseState &s)
 {
-    if (!read_name(s) || s.current == nullptr) return false;
+    XML_Node *element = s.current != nullptr && !s.currentOpen ? s.current->parent : s.current;
+    if (element != nullptr && end_tag_matches(s, element)) {
+        s.current = element;
+        s.currentOpen = false;
+        return split_qname_in_place(element);
+    }
+    if (!read_name_in_place(s) || s.current == nullptr) return false;
     if (!s.currentOpen) {
         // The last element handled is closed: this end tag is its parent's.
         if (s.current->parent == nullptr) return false;
@@ -435,7 +600,7 @@ bool parse_end_tag(ParseState &s)
     s.currentOpen = false;
     if (!token_equals_name(s, s.current) || !split_qname_in_place(s.current)) return false;
     skip_space(s);
-    return read_token(s) && token_is(s, ">");
+    return read_end_close(s);
 }
 
 // Text is kept only as the whole content of an element: it must be
@@ -446,11 +611,21 @@ bool parse_text(ParseState &s)
     if (element == nullptr || !s.currentOpen) return false;
     const char *start = s.tokenStart;
     while (start > s.input && start[-1] == ' ') --start;
-    const char *end = std::strchr(s.tokenStart, '<');
+    const char *end = find_byte(s.tokenStart, s.end, '<');
     if (end == nullptr || !copy_decoded(start, static_cast<std::size_t>(end - start), &element->value)) return false;
-    s.cursor = end;
-    if (!read_token(s) || !token_is(s, "</") || !read_name(s) || !token_equals_name(s, element) ||
-        !split_qname_in_place(element) || !read_token(s) || !token_is(s, ">"))
+    if (end[1] == '/') {
+        s.cursor = end + 2;
+        if (end_tag_matches(s, element)) {
+            if (!split_qname_in_place(element)) return false;
+            s.currentOpen = false;
+            s.mode = kModeMarkup;
+            return true;
+        }
+    } else {
+        s.cursor = end;
+        if (!read_token(s) || !token_is(s, "</")) return false;
+    }
+    if (!read_name_in_place(s) || !token_equals_name(s, element) || !split_qname_in_place(element) || !read_end_close(s))
         return false;
     s.currentOpen = false;
     s.mode = kModeMarkup;
@@ -462,11 +637,20 @@ Step parse_step(ParseState &s)
     if (*s.cursor == '\0') return Step::kEnd;
     if (s.mode == kModeAttrs) return parse_attrs(s) ? Step::kOk : Step::kFail;
     skip_space(s);
+    const char *c = s.cursor;
     // Text that starts with a plain byte is a token the dispatch below
     // would hand to parse_text, which reads only where it starts.
-    if (s.mode == kModeContent && byte_class(*s.cursor) == 0) {
-        s.tokenStart = s.cursor;
+    if (s.mode == kModeContent && byte_class(*c) == 0) {
+        s.tokenStart = c;
         return parse_text(s) ? Step::kOk : Step::kFail;
+    }
+    // So are "<" and "</" without a comment or processing instruction to
+    // skip: the tags are read from here.
+    if (c[0] == '<' && c[1] != '!' && c[1] != '?') {
+        const bool end_tag = c[1] == '/';
+        s.cursor = c + (end_tag ? 2 : 1);
+        const bool ok = end_tag ? parse_end_tag(s) : parse_start_tag(s);
+        return ok ? Step::kOk : Step::kFail;
     }
     if (!next_token(s)) return *s.cursor == '\0' ? Step::kOk : Step::kFail;
     bool ok = false;

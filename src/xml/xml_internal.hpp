@@ -54,6 +54,14 @@ enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2 };
 struct NodeTail {
     NodeChunk *chunk;
     unsigned char flags;
+    // Set by the parser only and read only while it parses: whether an
+    // end tag may be compared with the stored name byte for byte (the
+    // name had no reference, and no byte at its end whose meaning depends
+    // on what follows), whether the name may hold a prefix's colon, and
+    // the length of the whole name.
+    bool plainName;
+    bool nameHasColon;
+    std::uint32_t parsedNameLength;
 };
 constexpr std::size_t kNodeBlockSize = sizeof(XML_Node) + sizeof(NodeTail);
 
@@ -66,7 +74,7 @@ inline XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
 {
     auto *node = ::new (block) XML_Node{};
     node->kind = kind;
-    ::new (node + 1) NodeTail{chunk, 0};
+    ::new (node + 1) NodeTail{chunk, 0, false, true, 0};
     return node;
 }
 
@@ -115,8 +123,25 @@ inline std::size_t decode_into(const char *text, std::size_t n, char *out)
 
 // Decoded copy of text[0, n) in a block of its own.  n == 0 stores null
 // and succeeds; a malformed or disallowed reference fails with out
-// untouched.
-bool copy_decoded(const char *text, std::size_t n, char **out);
+// untouched.  Inline: the parser makes one for nearly every value.
+inline bool copy_decoded(const char *text, std::size_t n, char **out)
+{
+    if (n == 0) {
+        *out = nullptr;
+        return true;
+    }
+    auto *copy = static_cast<char *>(XML_Malloc(n + 1));
+    if (copy == nullptr) return false;
+    const std::size_t len = decode_into(text, n, copy);
+    if (len == kBadReference) {
+        XML_Free(copy);
+        return false;
+    }
+    // What decoding saved stays zero, as in a block zeroed up front.
+    if (len < n) std::memset(copy + len, 0, n + 1 - len);
+    *out = copy;
+    return true;
+}
 
 }  // namespace smsutil::xml
 
