@@ -48,8 +48,9 @@ TEST(TagForms, InPlaceAndTokenizedReadingsAgree)
     for (const TagCase &c : kCases) {
         XML_Node *root = nullptr;
         const uint32_t rc = NDL_XML_Parse(c.text, &root);
-        const std::string got = rc == XML_OK ? xmltest::describe_chain(root)
-                                             : rc == XML_ERR_SYNTAX ? "SYNTAX" : std::to_string(rc);
+        const std::string got = rc == XML_OK           ? xmltest::describe_chain(root)
+                                : rc == XML_ERR_SYNTAX ? "SYNTAX"
+                                                       : std::to_string(rc);
         XML_FreeNode(root);
         EXPECT_EQ(got, c.tree) << c.text;
     }

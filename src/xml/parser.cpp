@@ -625,7 +625,8 @@ bool parse_text(ParseState &s)
         s.cursor = end;
         if (!read_token(s) || !token_is(s, "</")) return false;
     }
-    if (!read_name_in_place(s) || !token_equals_name(s, element) || !split_qname_in_place(element) || !read_end_close(s))
+    if (!read_name_in_place(s) || !token_equals_name(s, element) || !split_qname_in_place(element) ||
+        !read_end_close(s))
         return false;
     s.currentOpen = false;
     s.mode = kModeMarkup;
