@@ -43,16 +43,17 @@ namespace {
 // `p` has room for four bytes and nothing behind the text needs keeping.
 uint8_t *put_utf8_word(uint8_t *p, uint32_t u)
 {
-    if (u <= 0x7F) {
-        common::store_le64(p, u, 4);
-        return p + 1;
+    // Most text that comes as UCS-2 needs three bytes a unit: tested first.
+    if (u > 0x7FF) {
+        common::store_le64(p, (0xE0 | u >> 12) | (0x80 | (u >> 6 & 0x3F)) << 8 | (0x80 | (u & 0x3F)) << 16, 4);
+        return p + 3;
     }
-    if (u <= 0x7FF) {
+    if (u > 0x7F) {
         common::store_le64(p, (0xC0 | u >> 6) | (0x80 | (u & 0x3F)) << 8, 4);
         return p + 2;
     }
-    common::store_le64(p, (0xE0 | u >> 12) | (0x80 | (u >> 6 & 0x3F)) << 8 | (0x80 | (u & 0x3F)) << 16, 4);
-    return p + 3;
+    common::store_le64(p, u, 4);
+    return p + 1;
 }
 
 }  // namespace
