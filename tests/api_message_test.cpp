@@ -70,6 +70,11 @@ TEST_F(ParseSmsTest, EveryCaseOfTheTable)
         EXPECT_EQ(heap.allocations(), 0u);
         EXPECT_EQ(in_.length, pdu.size());
         EXPECT_EQ(fields(), want);
+        // Every byte of the record is written or cleared: other garbage gives the same record.
+        const SmsMessage first = out_;
+        std::memset(&out_, 0x5A, sizeof out_);
+        ASSERT_EQ(ParseSms(&in_, &out_), 0);
+        EXPECT_EQ(std::memcmp(&first, &out_, sizeof out_), 0);
     }
     EXPECT_GT(cases, 10);  // the file was found and read
 }

@@ -1,23 +1,32 @@
 // The steps that hand a record to the transport codec and turn its status
 // into the message interface's 0 / -1.
+#include "api/extract_steps.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
 
 namespace {
 // Only the low octet of a codec status carries the verdict.
 bool codec_failed(uint32_t status) { return (status & 0xFFu) != 0; }
+
+constexpr const char kMSDecodeDeliver[] = "MSDecodeDeliver";
 }  // namespace
+
+int32_t smsutil::api::decode_deliver_step(const wms_raw_tpdu *raw, wms_gw_deliver *out,
+                                          transport::Ucs2InPlace *in_place)
+{
+    if (raw == nullptr || out == nullptr || codec_failed(transport::decode_deliver(*raw, *out, in_place))) {
+        SMS_TRACE_AS(kMSDecodeDeliver, "MSDecodeDeliver function run unsuccessfully!\n\n");
+        return -1;
+    }
+    SMS_TRACE_AS(kMSDecodeDeliver, "MSDecodeDeliver function run successfully!\n\n");
+    return 0;
+}
 
 extern "C" {
 
 SMSUTIL_API int32_t MSDecodeDeliver(const wms_raw_tpdu *raw, wms_gw_deliver *out)
 {
-    if (raw == nullptr || out == nullptr || codec_failed(wms_ts_decode_deliver(raw, out))) {
-        SMS_TRACE("MSDecodeDeliver function run unsuccessfully!\n\n");
-        return -1;
-    }
-    SMS_TRACE("MSDecodeDeliver function run successfully!\n\n");
-    return 0;
+    return smsutil::api::decode_deliver_step(raw, out, nullptr);
 }
 
 SMSUTIL_API int32_t MSDecodeSubmit(const wms_raw_tpdu *raw, wms_gw_submit *out)

@@ -1,7 +1,9 @@
 // Decoded DELIVER, SUBMIT and STATUS-REPORT TPDUs into the record the
 // message interface works on.
+#include <cstddef>
 #include <cstring>
 
+#include "api/extract_steps.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
 
@@ -72,48 +74,138 @@ void take_headers(const wms_gw_user_data &ud, HeaderKinds kinds, SmsMessageData 
     }
 }
 
+constexpr const char kParseDeliverSms[] = "ParseDeliverSms";
+constexpr const char kParseStatusReport[] = "ParseStatusReport";
+
+// A decoded TPDU is cleared where its decoder may leave a field that is read
+// afterwards: everything ahead of the user data, the header slots only when
+// TP-UDHI announces a header, and the text only as far as a message record
+// takes it (the decoder drops U+0000 units and leaves the cleared tail to
+// stand for them).
+template <class Decoded>
+void clear_for_decoding(Decoded &decoded, const wms_raw_tpdu *raw)
+{
+    static_assert(offsetof(Decoded, user_data) + sizeof decoded.user_data <= sizeof decoded);
+    static_assert(offsetof(Decoded, user_data) + sizeof decoded.user_data + alignof(Decoded) > sizeof decoded,
+                  "the user data must be the decoded record's last member");
+    wms_gw_user_data &ud = decoded.user_data;
+    std::memset(&decoded, 0, offsetof(Decoded, user_data) + offsetof(wms_gw_user_data, headers));
+    if (raw != nullptr && raw->len != 0 && (raw->data[0] & 0x40) != 0) std::memset(ud.headers, 0, sizeof ud.headers);
+    ud.sm_len = 0;
+    std::memset(ud.sm_data, 0, kMaxUserData);
+}
+
+// The message record, its text buffer only when it is read.
+void clear_message(SmsMessageData &msg, bool with_text)
+{
+    if (with_text) {
+        std::memset(&msg, 0, sizeof msg);
+        return;
+    }
+    constexpr std::size_t text_at = offsetof(SmsMessageData, SmsData);
+    constexpr std::size_t tail_at = text_at + sizeof msg.SmsData;
+    auto *bytes = reinterpret_cast<unsigned char *>(&msg);
+    std::memset(bytes, 0, text_at);
+    std::memset(bytes + tail_at, 0, sizeof msg - tail_at);
+}
+
 }  // namespace
 
-extern "C" {
-
-SMSUTIL_API int32_t ParseDeliverSms(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode)
+int32_t smsutil::api::extract_deliver(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode,
+                                      transport::Ucs2InPlace *in_place)
 {
     if (msg == nullptr || pdwErrCode == nullptr) return -1;
     wms_gw_deliver deliver;
-    std::memset(&deliver, 0, sizeof deliver);
-    if (MSDecodeDeliver(raw, &deliver) != 0) {
+    clear_for_decoding(deliver, raw);
+    if (decode_deliver_step(raw, &deliver, in_place) != 0) {
         *pdwErrCode = SMS_ERR_DECODE;
-        SMS_TRACE("MSDecodeDeliver in ParseDeliverSms function run unsuccessfully! The ERROR CODE is %d\n\n",
-                  SMS_ERR_DECODE);
+        SMS_TRACE_AS(kParseDeliverSms,
+                     "MSDecodeDeliver in ParseDeliverSms function run unsuccessfully! The ERROR CODE is %d\n\n",
+                     SMS_ERR_DECODE);
         return -1;
     }
-    std::memset(msg, 0, sizeof *msg);
+    const bool text_in_place = in_place != nullptr && in_place->found;
+    clear_message(*msg, !text_in_place);
     msg->byCharset = charset_of(deliver.dcs.alphabet);
     msg->byMsgType = SMS_MSG_TYPE_DELIVER;
     if (DecomposeReadMsgTime(&deliver.timestamp, msg) != 0) {
         *pdwErrCode = SMS_ERR_DECODE;
-        SMS_TRACE("DecomposeReadMsgTime in ParseDeliverSms function run unsuccessfully! The ERROR CODE is %d\n\n",
-                  SMS_ERR_DECODE);
+        SMS_TRACE_AS(kParseDeliverSms,
+                     "DecomposeReadMsgTime in ParseDeliverSms function run unsuccessfully! The ERROR CODE is %d\n\n",
+                     SMS_ERR_DECODE);
         return -1;
     }
     uint32_t len = sizeof msg->szAddress;
     const int32_t ret = DecodeAddress(&deliver.address, msg->szAddress, &len);
     if (ret != 0) {
-        SMS_TRACE("DecodeAddress in ParseDeliverSms function run unsuccessfully!\n\n");
+        SMS_TRACE_AS(kParseDeliverSms, "DecodeAddress in ParseDeliverSms function run unsuccessfully!\n\n");
         return ret;
     }
-    copy_user_data(deliver.user_data, msg);
-    SMS_TRACE("find header %d num %d!\n\n", deliver.user_data_header_present, deliver.user_data.num_headers);
+    if (text_in_place)
+        msg->dwLength = deliver.user_data.sm_len < kMaxUserData ? deliver.user_data.sm_len : kMaxUserData;
+    else
+        copy_user_data(deliver.user_data, msg);
+    SMS_TRACE_AS(kParseDeliverSms, "find header %d num %d!\n\n", deliver.user_data_header_present,
+                 deliver.user_data.num_headers);
     if (deliver.user_data_header_present == 1) take_headers(deliver.user_data, {true, true, true}, msg);
-    SMS_TRACE("ParseDeliverSms function run successfully!\n\n");
+    SMS_TRACE_AS(kParseDeliverSms, "ParseDeliverSms function run successfully!\n\n");
     return 0;
+}
+
+int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode,
+                                            bool whole_record)
+{
+    if (msg == nullptr || pdwErrCode == nullptr) return -1;
+    wms_gw_status_report report;
+    clear_for_decoding(report, raw);
+    if (MSDecodeStatusReport(raw, &report) != 0) {
+        *pdwErrCode = SMS_ERR_DECODE;
+        SMS_TRACE_AS(kParseStatusReport,
+                     "MSDecodeStatusReport in ParseStatusReport function run unsuccessfully! The ERROR CODE is %d\n\n",
+                     SMS_ERR_DECODE);
+        return -1;
+    }
+    const bool has_text = (report.parameter_indicator & 0x04u) != 0;
+    clear_message(*msg, whole_record || has_text);
+    msg->byMsgForm = 2;
+    msg->byCharset = charset_of(report.dcs.alphabet);
+    const int32_t ret = SwitchReportStatus(report.tp_status, &msg->byReportState);
+    if (ret != 0) {
+        SMS_TRACE_AS(kParseStatusReport, "SwitchReportStatus in ParseStatusReport function run unsuccessfully!\n\n");
+        return ret;
+    }
+    msg->byMsgType = SMS_MSG_TYPE_STATUS_REPORT;
+    if (DecomposeReadMsgTime(&report.discharge_time, msg) != 0) {
+        *pdwErrCode = SMS_ERR_DECODE;
+        SMS_TRACE_AS(kParseStatusReport, "DecomposeReadMsgTime in ParseStatusReport function run unsuccessfully!\n\n");
+        return -1;
+    }
+    uint32_t len = sizeof msg->szAddress;
+    (void)DecodeAddress(&report.address, msg->szAddress, &len);
+    msg->byHasText = 0;
+    if (has_text) {
+        copy_user_data(report.user_data, msg);
+        msg->byHasText = 1;
+    }
+    SMS_TRACE_AS(kParseStatusReport, "find header %d num %d!\n\n", report.user_data_header_present,
+                 report.user_data.num_headers);
+    if (report.user_data_header_present == 1) take_headers(report.user_data, {false, false, true}, msg);
+    SMS_TRACE_AS(kParseStatusReport, "ParseStatusReport function run successfully!\n\n");
+    return 0;
+}
+
+extern "C" {
+
+SMSUTIL_API int32_t ParseDeliverSms(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode)
+{
+    return smsutil::api::extract_deliver(raw, msg, pdwErrCode, nullptr);
 }
 
 SMSUTIL_API int32_t ParseSubmitSms(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode)
 {
     if (msg == nullptr || pdwErrCode == nullptr) return -1;
     wms_gw_submit submit;
-    std::memset(&submit, 0, sizeof submit);
+    clear_for_decoding(submit, raw);
     if (MSDecodeSubmit(raw, &submit) != 0) {
         *pdwErrCode = SMS_ERR_DECODE;
         SMS_TRACE("MSDecodeSubmit function run unsuccessfully! The ERROR CODE is %d\n\n", SMS_ERR_DECODE);
@@ -146,40 +238,7 @@ SMSUTIL_API int32_t ParseSubmitSms(const wms_raw_tpdu *raw, SmsMessageData *msg,
 
 SMSUTIL_API int32_t ParseStatusReport(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode)
 {
-    if (msg == nullptr || pdwErrCode == nullptr) return -1;
-    wms_gw_status_report report;
-    std::memset(&report, 0, sizeof report);
-    if (MSDecodeStatusReport(raw, &report) != 0) {
-        *pdwErrCode = SMS_ERR_DECODE;
-        SMS_TRACE("MSDecodeStatusReport in ParseStatusReport function run unsuccessfully! The ERROR CODE is %d\n\n",
-                  SMS_ERR_DECODE);
-        return -1;
-    }
-    std::memset(msg, 0, sizeof *msg);
-    msg->byMsgForm = 2;
-    msg->byCharset = charset_of(report.dcs.alphabet);
-    const int32_t ret = SwitchReportStatus(report.tp_status, &msg->byReportState);
-    if (ret != 0) {
-        SMS_TRACE("SwitchReportStatus in ParseStatusReport function run unsuccessfully!\n\n");
-        return ret;
-    }
-    msg->byMsgType = SMS_MSG_TYPE_STATUS_REPORT;
-    if (DecomposeReadMsgTime(&report.discharge_time, msg) != 0) {
-        *pdwErrCode = SMS_ERR_DECODE;
-        SMS_TRACE("DecomposeReadMsgTime in ParseStatusReport function run unsuccessfully!\n\n");
-        return -1;
-    }
-    uint32_t len = sizeof msg->szAddress;
-    (void)DecodeAddress(&report.address, msg->szAddress, &len);
-    msg->byHasText = 0;
-    if ((report.parameter_indicator & 0x04u) != 0) {
-        copy_user_data(report.user_data, msg);
-        msg->byHasText = 1;
-    }
-    SMS_TRACE("find header %d num %d!\n\n", report.user_data_header_present, report.user_data.num_headers);
-    if (report.user_data_header_present == 1) take_headers(report.user_data, {false, false, true}, msg);
-    SMS_TRACE("ParseStatusReport function run successfully!\n\n");
-    return 0;
+    return smsutil::api::extract_status_report(raw, msg, pdwErrCode, true);
 }
 
 }  // extern "C"

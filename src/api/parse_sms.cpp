@@ -1,6 +1,7 @@
 // ParseSms: one stored PDU from the modem into a message record.
 #include <cstring>
 
+#include "api/extract_steps.hpp"
 #include "api/message_text.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
@@ -69,7 +70,8 @@ int32_t submit_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMessage *ou
 int32_t deliver_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMessage *out)
 {
     uint32_t err = 0;
-    const int32_t ret = ParseDeliverSms(&raw, &msg, &err);
+    smsutil::transport::Ucs2InPlace ucs2;
+    const int32_t ret = smsutil::api::extract_deliver(&raw, &msg, &err, &ucs2);
     if (ret != 0) {
         SMS_TRACE_AS(kParseSms, "The ParseDeliverSms function's false status is %d\n\n", static_cast<int>(err));
         return ret;
@@ -78,7 +80,9 @@ int32_t deliver_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMessage *o
     SMS_TRACE_AS(kParseSms, "The src address is: %s\n\n", out->szAddress);
     out->sms_content_code = msg.byCharset;
     SMS_TRACE_AS(kParseSms, "The text mode is %d\n\n", static_cast<int>(out->sms_content_code));
-    if (out->sms_content_code == SMS_CONTENT_8BIT)
+    if (ucs2.found)
+        smsutil::api::convert_ucs2_in_place(ucs2, msg.dwLength, out);
+    else if (out->sms_content_code == SMS_CONTENT_8BIT)
         smsutil::api::copy_8bit_text(msg, out);
     else if (smsutil::api::convert_text(msg, out, "ParseSms") != 0)
         return -1;
@@ -93,7 +97,7 @@ int32_t status_report_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMess
 {
     out->byStatusReport = 1;
     uint32_t err = 0;
-    const int32_t ret = ParseStatusReport(&raw, &msg, &err);
+    const int32_t ret = smsutil::api::extract_status_report(&raw, &msg, &err, false);
     if (ret != 0) {
         SMS_TRACE_AS(kParseSms, "The ParseStatusReport function's false status is %d\n\n", static_cast<int>(err));
         return ret;
@@ -166,8 +170,10 @@ extern "C" SMSUTIL_API int32_t ParseSms(SmsReadPdu *pInputSms, SmsMessage *pOutp
 
     const char *tpdu_text = pInputSms->pdu + sc_chars;
     const std::size_t tpdu_chars = length - sc_chars;
+    // Only the octets the hexadecimal text gives are ever read; the type
+    // octet is read even when there are none.
     wms_raw_tpdu raw;
-    std::memset(&raw, 0, sizeof raw);
+    raw.data[0] = 0;
     SMS_TRACE("The stRawarse string length is:%d\n\n", static_cast<int>(tpdu_chars));
     SMS_TRACE("The stRawarse string is %s\n\n", tpdu_text);
     SMS_TRACE("\n\n");

@@ -44,11 +44,38 @@ inline bool get_hex8(std::uint8_t *out, const unsigned char *in)
     return true;
 }
 
+#if (defined(__SSE2__) || defined(__ARM_NEON)) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+#define SMSUTIL_HEX16 1
+// Sixteen characters into eight octets by the rule of get_hex8, where the
+// host has 128-bit vectors; false with nothing written otherwise.  Each
+// 16-bit lane holds a character pair, the first one in its low octet.
+inline bool get_hex16(std::uint8_t *out, const unsigned char *in)
+{
+    using Bytes = std::uint8_t __attribute__((vector_size(16)));
+    using Pairs = std::uint16_t __attribute__((vector_size(16)));
+    using Octets = std::uint8_t __attribute__((vector_size(8)));
+    Bytes w;
+    std::memcpy(&w, in, sizeof w);
+    const auto letter = (Bytes)((w & 0x40) != 0);
+    const auto refused = letter & (Bytes)((Bytes)((w & 0xDF) - 'A') >= 6);
+    std::uint64_t halves[2];
+    std::memcpy(halves, &refused, sizeof halves);
+    if ((halves[0] | halves[1]) != 0) return false;
+    const auto pairs = (Pairs)((w & 0x0F) + (letter & 9));
+    const Octets octets = __builtin_convertvector(((pairs & 0xFF) << 4) | (pairs >> 8), Octets);
+    std::memcpy(out, &octets, sizeof octets);
+    return true;
+}
+#endif
+
 // Reads 2 * count characters into count octets.
 inline std::uint8_t *get_hex(std::uint8_t *out, const char *in, std::size_t count)
 {
     const auto *s = reinterpret_cast<const unsigned char *>(in);
     std::size_t i = 0;
+#ifdef SMSUTIL_HEX16
+    while (count - i >= 8 && get_hex16(out + i, s + 2 * i)) i += 8;
+#endif
     while (count - i >= 4 && get_hex8(out + i, s + 2 * i)) i += 4;
     for (; i < count; ++i) out[i] = static_cast<std::uint8_t>(kNibbleOf[s[2 * i]] << 4 | kNibbleOf[s[2 * i + 1]]);
     return out + i;

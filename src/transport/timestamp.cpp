@@ -24,7 +24,7 @@ std::array<std::uint8_t, 6> fields_of(const wms_timestamp &t)
     return {t.year, t.month, t.day, t.hour, t.minute, t.second};
 }
 
-bool in_range(std::uint8_t bcd, const FieldRange &range)
+constexpr bool in_range(std::uint8_t bcd, const FieldRange &range)
 {
     const unsigned high = bcd >> 4;
     const unsigned low = bcd & 0x0F;
@@ -32,6 +32,18 @@ bool in_range(std::uint8_t bcd, const FieldRange &range)
     const unsigned v = 10 * high + low;
     return v >= range.min && v <= range.max;
 }
+
+// What each field decodes to from every octet as sent: its BCD value with
+// the semi-octets swapped back, or the field's fallback when out of range.
+constexpr auto kDecoded = [] {
+    std::array<std::array<std::uint8_t, 256>, 6> t{};
+    for (std::size_t i = 0; i < t.size(); ++i)
+        for (unsigned octet = 0; octet < 256; ++octet) {
+            const std::uint8_t bcd = swap_nibbles(static_cast<std::uint8_t>(octet));
+            t[i][octet] = in_range(bcd, kRanges[i]) ? bcd : kRanges[i].fallback;
+        }
+    return t;
+}();
 
 }  // namespace
 
@@ -54,17 +66,12 @@ bool decode_timestamp(OctetReader &in, wms_timestamp &time)
 {
     std::array<std::uint8_t, kTimestampSize> raw{};
     if (!in.read(raw, raw.size())) return false;
-    std::array<std::uint8_t, 6> fields{};
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const std::uint8_t bcd = swap_nibbles(raw[i]);
-        fields[i] = in_range(bcd, kRanges[i]) ? bcd : kRanges[i].fallback;
-    }
-    time.year = fields[0];
-    time.month = fields[1];
-    time.day = fields[2];
-    time.hour = fields[3];
-    time.minute = fields[4];
-    time.second = fields[5];
+    time.year = kDecoded[0][raw[0]];
+    time.month = kDecoded[1][raw[1]];
+    time.day = kDecoded[2][raw[2]];
+    time.hour = kDecoded[3][raw[3]];
+    time.minute = kDecoded[4][raw[4]];
+    time.second = kDecoded[5][raw[5]];
     const std::uint8_t o = raw[6];
     const int zone = (o & 0x08) != 0 ? -(10 * (o & 0x07) + (o >> 4)) : 10 * (o & 0x0F) + (o >> 4);
     time.timezone = static_cast<std::int8_t>(zone < -kMaxQuarterHours || zone > kMaxQuarterHours ? 0 : zone);

@@ -138,10 +138,46 @@ TextSpan octet_text(std::uint8_t udl, std::span<const std::uint8_t> in, bool hea
     return {skipped, udl > skipped ? udl - skipped : 0};
 }
 
+// UCS-2 or 8-bit text into sm_data, each pair exchanged; U+0000 units dropped.
+void exchange_pairs(std::span<const std::uint8_t> in, TextSpan text, wms_gw_user_data &data)
+{
+    // The pair of an odd last octet is the octet after it, when the TPDU has one.
+    auto octet_at = [&](std::size_t i) -> std::uint8_t { return i < in.size() ? in[i] : 0; };
+    std::size_t stored = 0;
+    // Pairs that lie wholly inside the TPDU and the record need no
+    // test per octet; the rest take the general loop below.
+    const std::size_t inside = in.size() > text.start ? in.size() - text.start : 0;
+    const std::size_t fast_end = std::min({text.length + 1, inside, std::size_t{WMS_MAX_LEN}}) & ~std::size_t{1};
+    const std::uint8_t *const src = in.data() + text.start;
+    std::size_t i = 0;
+    for (; i < fast_end; i += 2) {
+        std::uint16_t pair;
+        std::memcpy(&pair, src + i, sizeof pair);
+        if (pair == 0) continue;
+        // Rotating by eight exchanges the two octets on any host.
+        pair = std::rotl(pair, 8);
+        std::memcpy(&data.sm_data[stored], &pair, sizeof pair);
+        stored += 2;
+        SMS_TRACE_AS(kDecodeName, "%x\n", src[i + 1]);
+        SMS_TRACE_AS(kDecodeName, "%x\n", src[i]);
+    }
+    for (; i < text.length; i += 2) {
+        const std::uint8_t high = octet_at(text.start + i);
+        const std::uint8_t low = octet_at(text.start + i + 1);
+        // A U+0000 unit is dropped; the cleared tail of sm_data stands for it.
+        if (high == 0 && low == 0) continue;
+        for (const std::uint8_t octet : {low, high}) {
+            if (stored >= WMS_MAX_LEN) break;
+            data.sm_data[stored++] = octet;
+            SMS_TRACE_AS(kDecodeName, "%x\n", octet);
+        }
+    }
+}
+
 }  // namespace
 
 UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::span<const std::uint8_t> in,
-                                bool header_present, wms_gw_user_data &data)
+                                bool header_present, wms_gw_user_data &data, Ucs2InPlace *in_place)
 {
     SMS_TRACE_AS(kDecodeName, "The lenth of the data decoded is: %d\n\n", udl);
     SMS_TRACE_AS(kDecodeName, "The raw data is:\n\n");
@@ -164,39 +200,17 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
         data.sm_len = static_cast<std::uint16_t>(text.length);
     } else {
         text = octet_text(udl, in, header_present, data);
-        SMS_TRACE_AS(kDecodeName, "The exchange data is:\n\n");
-        // The pair of an odd last octet is the octet after it, when the TPDU has one.
-        auto octet_at = [&](std::size_t i) -> std::uint8_t { return i < in.size() ? in[i] : 0; };
-        std::size_t stored = 0;
-        // Pairs that lie wholly inside the TPDU and the record need no
-        // test per octet; the rest take the general loop below.
-        const std::size_t inside = in.size() > text.start ? in.size() - text.start : 0;
-        const std::size_t fast_end = std::min({text.length + 1, inside, std::size_t{WMS_MAX_LEN}}) & ~std::size_t{1};
-        const std::uint8_t *const src = in.data() + text.start;
-        std::size_t i = 0;
-        for (; i < fast_end; i += 2) {
-            std::uint16_t pair;
-            std::memcpy(&pair, src + i, sizeof pair);
-            if (pair == 0) continue;
-            // Rotating by eight exchanges the two octets on any host.
-            pair = std::rotl(pair, 8);
-            std::memcpy(&data.sm_data[stored], &pair, sizeof pair);
-            stored += 2;
-            SMS_TRACE_AS(kDecodeName, "%x\n", src[i + 1]);
-            SMS_TRACE_AS(kDecodeName, "%x\n", src[i]);
-        }
-        for (; i < text.length; i += 2) {
-            const std::uint8_t high = octet_at(text.start + i);
-            const std::uint8_t low = octet_at(text.start + i + 1);
-            // A U+0000 unit is dropped; the cleared tail of sm_data stands for it.
-            if (high == 0 && low == 0) continue;
-            for (const std::uint8_t octet : {low, high}) {
-                if (stored >= WMS_MAX_LEN) break;
-                data.sm_data[stored++] = octet;
-                SMS_TRACE_AS(kDecodeName, "%x\n", octet);
-            }
-        }
         data.sm_len = static_cast<std::uint16_t>(text.length);
+        SMS_TRACE_AS(kDecodeName, "The exchange data is:\n\n");
+        if (in_place != nullptr && dcs.alphabet == WMS_ALPHABET_UCS2) {
+            in_place->found = true;
+            in_place->octets = in.subspan(std::min(text.start, in.size()));
+            in_place->length = text.length;
+        }
+        // The exchange below exists for sm_data and its log lines; a caller
+        // converting in place needs neither when nothing is traced.
+        const bool exchange = in_place == nullptr || !in_place->found || SMSUTIL_TRACE_ENABLED;
+        if (exchange) exchange_pairs(in, text, data);
         value = text.length;
     }
     SMS_TRACE_AS(kDecodeName, "The value of sm_len here is %d\n\n", static_cast<int>(value));
@@ -205,9 +219,9 @@ UserDataDecode decode_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::sp
 }
 
 wms_status_e_type decode_tpdu_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::span<const std::uint8_t> rest,
-                                        bool header_present, wms_gw_user_data &data)
+                                        bool header_present, wms_gw_user_data &data, Ucs2InPlace *in_place)
 {
-    const UserDataDecode result = decode_user_data(dcs, udl, rest, header_present, data);
+    const UserDataDecode result = decode_user_data(dcs, udl, rest, header_present, data, in_place);
     if (!result.complete || result.consumed > kMaxUserDataOctets) return WMS_TS_STATUS_BAD_USER_DATA_LENGTH;
     return WMS_TS_STATUS_OK;
 }

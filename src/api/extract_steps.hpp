@@ -1,0 +1,25 @@
+// ParseSms's own forms of its exported extraction steps.  The exported
+// steps clear the whole record they hand back, since their callers see all
+// of it; ParseSms reads only part of it and clears no more than it reads.
+#pragma once
+
+#include <cstdint>
+
+#include "smsutil/sms_api.h"
+#include "transport/codec_internal.hpp"
+
+namespace smsutil::api {
+
+// MSDecodeDeliver; with `in_place`, UCS-2 text stays in the TPDU.
+int32_t decode_deliver_step(const wms_raw_tpdu *raw, wms_gw_deliver *out, transport::Ucs2InPlace *in_place);
+
+// ParseDeliverSms.  With `in_place`, UCS-2 text is located rather than
+// copied, and msg->SmsData is then neither cleared nor filled.
+int32_t extract_deliver(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode,
+                        transport::Ucs2InPlace *in_place);
+
+// ParseStatusReport.  Unless `whole_record`, msg->SmsData is cleared only
+// when the report carries text.
+int32_t extract_status_report(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode, bool whole_record);
+
+}  // namespace smsutil::api
