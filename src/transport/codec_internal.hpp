@@ -88,9 +88,9 @@ struct UserDataDecode {
 // UCS-2 text left where it lies in the TPDU, for a caller that converts it
 // from there rather than from the exchanged pairs in sm_data.
 struct Ucs2InPlace {
-    bool found = false;                   // the user data were UCS-2
+    bool found = false;                    // the user data were UCS-2
     std::span<const std::uint8_t> octets;  // from the text's first octet to the TPDU's end
-    std::size_t length = 0;               // octets of text (sm_len)
+    std::size_t length = 0;                // octets of text (sm_len)
 };
 // TP-UD from `in` (the rest of the TPDU, TP-UDL already read).  With
 // `in_place`, UCS-2 text is only located, and sm_data is not filled unless
@@ -104,8 +104,7 @@ inline constexpr std::size_t kMaxUserDataOctets = 140;
 // The TPDU decoders' last step: TP-UD after a TP-UDL already read, from the
 // rest of the TPDU; 0, or 101 when it is cut short or too long.
 wms_status_e_type decode_tpdu_user_data(const wms_gw_dcs &dcs, std::uint8_t udl, std::span<const std::uint8_t> rest,
-                                        bool header_present, wms_gw_user_data &data,
-                                        Ucs2InPlace *in_place = nullptr);
+                                        bool header_present, wms_gw_user_data &data, Ucs2InPlace *in_place = nullptr);
 // SMS-DELIVER, optionally leaving UCS-2 text in place.
 wms_status_e_type decode_deliver(const wms_raw_tpdu &raw, wms_gw_deliver &msg, Ucs2InPlace *in_place);
 // The TPDU encoders' last step: TP-UDL and TP-UD; 0, or 101 when too long.

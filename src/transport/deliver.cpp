@@ -34,8 +34,7 @@ wms_status_e_type decode_deliver(const wms_raw_tpdu &raw, wms_gw_deliver &msg, U
     if (!decode_timestamp(in, msg.timestamp)) return WMS_TS_STATUS_BAD_TIME;
     uint8_t udl = 0;
     if (!in.read(udl)) return WMS_TS_STATUS_BAD_USER_DATA_LENGTH;
-    return decode_tpdu_user_data(msg.dcs, udl, in.rest(), msg.user_data_header_present != 0, msg.user_data,
-                                 in_place);
+    return decode_tpdu_user_data(msg.dcs, udl, in.rest(), msg.user_data_header_present != 0, msg.user_data, in_place);
 }
 
 }  // namespace smsutil::transport
