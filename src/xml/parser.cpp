@@ -27,12 +27,6 @@ using smsutil::xml::NodeChunk;
 // lists of small free blocks, which made every block cost as much as the
 // nodes saved.  Only a longer name takes a larger block.
 constexpr std::size_t kChunkSize = 1000;
-// Successive blocks cycle through a few sizes 16 bytes apart: the
-// allocator keeps a short per-size cache of freed blocks, and spread over
-// several sizes the blocks of a small document are all served from it
-// when the next one is parsed.
-constexpr std::size_t kChunkSizes = 4;
-constexpr std::size_t kChunkStep = 16;
 constexpr std::size_t kChunkHeader =
     (sizeof(NodeChunk) + alignof(XML_Node) - 1) / alignof(XML_Node) * alignof(XML_Node);
 
@@ -56,7 +50,6 @@ struct ParseState {
     uint32_t mode;
     XML_Node *root;    // first element linked: the caller's result
     NodeChunk *chunk;  // the block new nodes are carved from (the parser holds a reference)
-    std::size_t chunkCount;
     char *chunkNext;
     char *chunkEnd;
 };
@@ -361,8 +354,7 @@ bool split_qname_in_place(XML_Node *node)
 // the previous one is given up.
 [[gnu::noinline]] bool next_chunk(ParseState &s, std::size_t need)
 {
-    const std::size_t nominal = kChunkSize - kChunkStep * (s.chunkCount++ % kChunkSizes);
-    const std::size_t size = std::max(nominal, kChunkHeader + need);
+    const std::size_t size = std::max(kChunkSize, kChunkHeader + need);
     void *block = XML_Malloc(size);
     if (block == nullptr) return false;
     if (s.chunk != nullptr) smsutil::xml::release_chunk(s.chunk);
