@@ -208,14 +208,13 @@ TEST_F(ComposeSmsTest, RefusedNumbersLeaveTheOutputAlone)
     const std::string dest = "EWCheckDialNum in ConstructAddressData function run unsuccessfully!";
     const std::string sc = "EWCheckDialNum in ComposeSCAddrData function run unsuccessfully!";
     const std::string sc_code = "ComposeSCAddrData function run unsuccessfully! The ERROR CODE is 10503";
+    const std::string submit = "ComposeSubmitSms function run unsuccessfully!";
     // 21 digits fill the field with no terminator: refused, never cut to 20.
     const std::tuple<const char *, const char *, std::vector<std::string>> cases[] = {
         {"12a45", "+8612345678901", {dest}},
         {"+", "+8612345678901", {dest}},
         {"123456789012345678901", "+8612345678901", {"The length of dwlen is 21", dest}},
-        {"12345",
-         "123456789012345678901",
-         {"The dwlen is 21", sc, sc_code, "ComposeSubmitSms function run unsuccessfully!"}},
+        {"12345", "123456789012345678901", {"The dwlen is 21", sc, sc_code, submit}},
         {"12345", "86-1", {sc, sc_code}}};
     for (const auto &[address, sca, lines] : cases) {
         SetUp();
@@ -307,20 +306,13 @@ TEST(SplitPack, PacksAtTheBoundaries)
 TEST(FindUtf8Count, BytesOfTheFirstCharacters)
 {
     // 0xDF and 0xE0 are leads; a cut-short sequence ends the count; 0xF0 reads as a 3-byte lead.
-    const std::tuple<int32_t, const char *, int32_t> cases[] = {{3,
-                                                                 "a\xC3\xA9\xE2\x82\xAC"
-                                                                 "b",
-                                                                 6},
-                                                                {2,
-                                                                 "\xDF\xBF\xE0\xA4\xA0"
-                                                                 "b",
-                                                                 5},
-                                                                {0, "abc", 0},
-                                                                {10, "abc", 3},
-                                                                {2, "a\xE2\x82", 1},
-                                                                {1, "\xF0\x9F\x98\x80", 3},
-                                                                {3, nullptr, -1}};
-    for (const auto &[n, text, bytes] : cases) EXPECT_EQ(find_utf8_count(n, text), bytes) << n;
+    EXPECT_EQ(find_utf8_count(3, "a\xC3\xA9\xE2\x82\xAC\x62"), 6);
+    EXPECT_EQ(find_utf8_count(2, "\xDF\xBF\xE0\xA4\xA0\x62"), 5);
+    EXPECT_EQ(find_utf8_count(0, "abc"), 0);
+    EXPECT_EQ(find_utf8_count(10, "abc"), 3);
+    EXPECT_EQ(find_utf8_count(2, "a\xE2\x82"), 1);
+    EXPECT_EQ(find_utf8_count(1, "\xF0\x9F\x98\x80"), 3);
+    EXPECT_EQ(find_utf8_count(3, nullptr), -1);
 }
 
 }  // namespace
