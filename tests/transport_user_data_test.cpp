@@ -166,17 +166,13 @@ TEST_P(Element, EncodesToTheOctetsAndDecodesToTheRecord)
     const auto &c = GetParam();
     const wms_udh record = element(c.id, c.fill);
     const Octets wire = bytes(c.wire);
-    std::array<uint8_t, smsutil::transport::kMaxElementSize> out;
-    out.fill(0xEE);
+    Octets out(smsutil::transport::kMaxElementSize, 0xEE);
     wms_udh slot{};
-    uint8_t written = 0;
-    uint8_t decoded = 0;
+    uint8_t written = 0, decoded = 0;
     encode_element_ptr = &record;
     if (c.way != kDecodeOnly) written = encode_element(record, out.data());
-    encode_element_ptr = nullptr;
     decode_slot_ptr = &slot;
     if (c.way != kEncodeOnly) decoded = decode_element(record, wire);
-    decode_slot_ptr = nullptr;
     if (c.way != kDecodeOnly) {
         EXPECT_EQ(hex(out.data(), written), hex(wire));
     }
@@ -322,21 +318,15 @@ INSTANTIATE_TEST_SUITE_P(Headers, Header, ::testing::ValuesIn(kHeaders), case_na
 
 TEST(HeaderEdge, NoElementsWriteNothing)
 {
-    std::array<uint8_t, WMS_MAX_LEN> out;
-    out.fill(0xEE);
+    Octets out(WMS_MAX_LEN, 0xEE);
     EXPECT_EQ(wms_ts_encode_user_data_header(0, &kConcat, out.data()), 0);
     EXPECT_EQ(out[0], 0xEE);
 }
 
 // ---- TP-UDL and TP-UD.
 
-wms_gw_dcs dcs_of(uint8_t alphabet)
-{
-    wms_gw_dcs dcs{};
-    dcs.msg_class = WMS_MESSAGE_CLASS_NONE;
-    dcs.alphabet = alphabet;
-    return dcs;
-}
+// Class, compressed, alphabet, group, indication active and kind.
+wms_gw_dcs dcs_of(uint8_t alphabet) { return {WMS_MESSAGE_CLASS_NONE, 0, alphabet, 0, 0, 0}; }
 
 wms_gw_user_data text_data(const Octets &sm, const std::vector<wms_udh> &headers = {})
 {
@@ -410,6 +400,9 @@ const UserDataCase kUserData[] = {
     {"ucs2_header_past_udl", kUcs2, true, "", {kConcat123}, kPastUdl, kDecodeOnly, 6},
     {"ucs2_plain", kUcs2, false, "41004200", {}, "0400410042"},
     {"ucs2_after_concat", kUcs2, true, "4100", {concat8(9, 2, 2)}, "080500030902020041"},
+    // An odd count ending the TPDU pairs its last octet with a 0; the dropped
+    // U+0000 leaves its place at the end.
+    {"ucs2_odd_at_the_end", kUcs2, false, "4100004200", {}, "050000004142", kDecodeOnly},
     {"ucs2_zero_units_move_to_the_end", kUcs2, false, "410042000000", {}, "06004100000042", kDecodeOnly},
     {"ucs2_national_language_keeps_header", kUcs2, true, "240302014100", {kTurkish}, "06032401020041", kDecodeOnly},
     {"ucs2_udhl_zero_skips_one_octet", kUcs2, true, "41004200", {}, "050000410042", kDecodeOnly},
@@ -489,8 +482,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, SeptetPacking, ::testing::ValuesIn(kPacks), case
 TEST(SeptetPackingEdge, StopsAtTheCapacity)
 {
     const Octets septets{'h', 'e', 'l', 'l', 'o', 'h', 'e', 'l', 'l', 'o'};
-    std::array<uint8_t, 9> out;
-    out.fill(0xEE);
+    Octets out(9, 0xEE);
     EXPECT_EQ(wms_ts_pack_gw_7_bit_chars(septets.data(), 10, 0, 4, out.data()), 4);
     EXPECT_EQ(hex(out.data(), 5), "E8329BFDEE");
 
