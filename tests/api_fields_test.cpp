@@ -227,6 +227,21 @@ TEST_F(FieldLog, DecomposeTimeChecksEachFieldInOrder)
     }
 }
 
+// The exported steps of ParseSms on their own: a TPDU cut inside its first
+// field is refused with the decode code, and null records with -1.
+TEST(ParseSteps, CutTpdusAndNullRecordsAreRefused)
+{
+    const wms_raw_tpdu cut = smsutil::test::raw_from_hex("04");
+    SmsMessageData msg{};
+    for (const auto step : {ParseDeliverSms, ParseSubmitSms, ParseStatusReport}) {
+        uint32_t err = 0;
+        EXPECT_EQ(step(&cut, &msg, &err), -1);
+        EXPECT_EQ(err, SMS_ERR_DECODE);
+        EXPECT_EQ(step(nullptr, &msg, &err), -1);
+        EXPECT_EQ(step(&cut, nullptr, &err), -1);
+    }
+}
+
 TEST(DecodeAddressText, StaysWithinTheCapacity)
 {
     // The field as sent, a digit count forced over it (0: none), the capacity and the text.
