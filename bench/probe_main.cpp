@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "bench_inputs.hpp"
+#include "probe_entry.hpp"
 #include "smsutil/sms_pdu.h"
 
 namespace {
@@ -95,10 +96,7 @@ bool xml_parse(const std::string &doc)
     return true;
 }
 
-struct Entry {
-    const char *name;
-    bool (*run)();
-};
+using Entry = ProbeEntry;
 
 const Entry kEntries[] = {
     {"nothing", [] { return true; }},
@@ -218,11 +216,5 @@ int main(int argc, char **argv)
         std::printf("%s %ld\n", entry->name, used);
         return 0;
     }
-    const long count = argc >= 3 ? std::strtol(argv[2], nullptr, 10) : 1;
-    for (long i = 0; i < count; ++i)
-        if (!entry->run()) {
-            std::fprintf(stderr, "%s failed\n", entry->name);
-            return 1;
-        }
-    return 0;
+    return run_entry(*entry, argc, argv);
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "bench_inputs.hpp"
+#include "probe_entry.hpp"
 #include "smsutil/sms_pdu.h"
 
 #ifdef SMSUTIL_PEER_PUGIXML
@@ -105,10 +106,7 @@ bool gammu_decode(const SmsReadPdu &pdu)
 }
 #endif
 
-struct Entry {
-    const char *name;
-    bool (*run)();
-};
+using Entry = ProbeEntry;
 
 const std::vector<Entry> &entries()
 {
@@ -160,11 +158,5 @@ int main(int argc, char **argv)
     }
     static const Inputs inputs;
     g_in = &inputs;
-    const long count = argc >= 3 ? std::strtol(argv[2], nullptr, 10) : 1;
-    for (long i = 0; i < count; ++i)
-        if (!entry->run()) {
-            std::fprintf(stderr, "%s failed\n", entry->name);
-            return 1;
-        }
-    return 0;
+    return run_entry(*entry, argc, argv);
 }
