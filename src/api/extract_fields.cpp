@@ -83,7 +83,7 @@ constexpr const char kParseStatusReport[] = "ParseStatusReport";
 // takes it (the decoder drops U+0000 units and leaves the cleared tail to
 // stand for them).
 template <class Decoded>
-void clear_for_decoding(Decoded &decoded, const wms_raw_tpdu *raw)
+void clear_for_decoding(Decoded &decoded, const wms_raw_tpdu *raw, bool may_carry_text = true)
 {
     static_assert(offsetof(Decoded, user_data) + sizeof decoded.user_data <= sizeof decoded);
     static_assert(offsetof(Decoded, user_data) + sizeof decoded.user_data + alignof(Decoded) > sizeof decoded,
@@ -92,7 +92,16 @@ void clear_for_decoding(Decoded &decoded, const wms_raw_tpdu *raw)
     std::memset(&decoded, 0, offsetof(Decoded, user_data) + offsetof(wms_gw_user_data, headers));
     if (raw != nullptr && raw->len != 0 && (raw->data[0] & 0x40) != 0) std::memset(ud.headers, 0, sizeof ud.headers);
     ud.sm_len = 0;
-    std::memset(ud.sm_data, 0, kMaxUserData);
+    if (may_carry_text) std::memset(ud.sm_data, 0, kMaxUserData);
+}
+
+// A report's optional fields follow TP-ST, whose place the address length
+// gives; a TPDU that ends there has no text to decode.
+bool report_may_carry_text(const wms_raw_tpdu *raw)
+{
+    constexpr std::size_t kFixedOctets = 2 + 2 + 2 * 7 + 1;  // first, MR, address head, two stamps, TP-ST
+    if (raw == nullptr || raw->len < 3) return false;
+    return raw->len > kFixedOctets + (raw->data[2] + 1u) / 2;
 }
 
 // The message record, its text buffer only when it is read.
@@ -157,7 +166,7 @@ int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageD
 {
     if (msg == nullptr || pdwErrCode == nullptr) return -1;
     wms_gw_status_report report;
-    clear_for_decoding(report, raw);
+    clear_for_decoding(report, raw, report_may_carry_text(raw));
     if (MSDecodeStatusReport(raw, &report) != 0) {
         *pdwErrCode = SMS_ERR_DECODE;
         SMS_TRACE_AS(kParseStatusReport,
@@ -166,7 +175,9 @@ int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageD
         return -1;
     }
     const bool has_text = (report.parameter_indicator & 0x04u) != 0;
-    clear_message(*msg, whole_record || has_text);
+    // Without text, ParseSms reads only fields that every successful step
+    // below writes.
+    if (whole_record || has_text) std::memset(msg, 0, sizeof *msg);
     msg->byMsgForm = 2;
     msg->byCharset = charset_of(report.dcs.alphabet);
     const int32_t ret = SwitchReportStatus(report.tp_status, &msg->byReportState);

@@ -3,6 +3,7 @@
 // of it; ParseSms reads only part of it and clears no more than it reads.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "smsutil/sms_api.h"
@@ -18,8 +19,15 @@ int32_t decode_deliver_step(const wms_raw_tpdu *raw, wms_gw_deliver *out, transp
 int32_t extract_deliver(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode,
                         transport::Ucs2InPlace *in_place);
 
-// ParseStatusReport.  Unless `whole_record`, msg->SmsData is cleared only
-// when the report carries text.
+// ParseStatusReport.  Unless `whole_record`, msg is cleared only when the
+// report carries text; otherwise only the fields a report without text
+// gives are written (address, charset, status, time, byHasText and header
+// fields).
 int32_t extract_status_report(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode, bool whole_record);
+
+// parse_centernum on a text of known length: `digits` (the characters after
+// the type-of-address octet's two) into `out`, which holds `size` bytes and
+// is already cleared.
+int32_t centre_number(const char *digits, std::size_t len, bool international, char *out, std::size_t size);
 
 }  // namespace smsutil::api

@@ -153,18 +153,20 @@ extern "C" SMSUTIL_API int32_t ParseSms(SmsReadPdu *pInputSms, SmsMessage *pOutp
         SMS_TRACE("The ParseSms pdu is shorter than its sc address!\n\n");
         return -1;
     }
-    char srcbuf[SMS_NUMBER_SIZE] = {};
-    std::memcpy(srcbuf, pInputSms->pdu, sc_chars);
-    SMS_TRACE("srcbuf is [%s] \n\n", srcbuf);
+    // The service-centre field is logged straight from the text, which has
+    // no terminator before `length`.
+    SMS_TRACE("srcbuf is [%.*s] \n\n", static_cast<int>(sc_chars), pInputSms->pdu);
 
+    // parse_centernum on the field's digits, whose length is known.
     char sca[SMS_NUMBER_SIZE] = {};
-    const int32_t centre_ret = parse_centernum(SMS_NUMBER_SIZE, sca, srcbuf + 2);
+    const std::size_t sc_digits = sc_chars < 4 ? 0 : sc_chars - 4;
+    const int32_t centre_ret = smsutil::api::centre_number(pInputSms->pdu + 4, sc_digits,
+                                                           sc_chars >= 4 && pInputSms->pdu[2] == '9', sca, sizeof sca);
     if (centre_ret != 0) {
         SMS_TRACE("parse_centernum run unsuccessfully!\n\n");
         return centre_ret;
     }
-    char tosca[SMS_NUMBER_SIZE] = {srcbuf[2], srcbuf[3], '\0'};
-    SMS_TRACE("tosca is [%s] \n\n", tosca);
+    SMS_TRACE("tosca is [%.*s] \n\n", static_cast<int>(sc_chars < 4 ? sc_chars - 2 : 2), pInputSms->pdu + 2);
     SMS_TRACE("sca is [%s] \n\n", sca);
     std::memcpy(pOutputSms->sca, sca, sizeof pOutputSms->sca);
 

@@ -2,13 +2,14 @@
 // read back from received PDU text.
 #include <cstring>
 
+#include "api/extract_steps.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
 
 namespace {
 
 constexpr uint32_t kMaxScNumber = 20;
-constexpr std::size_t kScratchSize = SMS_NUMBER_SIZE;
+constexpr std::size_t kLongestNumber = SMS_NUMBER_SIZE - 1;
 constexpr std::size_t kPduTextBound = SMS_PDU_TEXT_SIZE;
 
 // Value of one hexadecimal character, or -1.
@@ -108,35 +109,51 @@ SMSUTIL_API int32_t parse_centernum(int32_t dwSize, char *out, const char *src)
     if (dwSize > 0) std::memset(out, 0, static_cast<std::size_t>(dwSize));
     // The digits follow the two characters of the type-of-address octet.
     const std::size_t toa_len = strnlen(src, 2);
-    const char *digits = src + toa_len;
     // The text lies in a PDU field of 513 bytes: its length is counted up to
     // that bound, so the log tells how long a refused text really was.
-    const std::size_t len = toa_len < 2 ? 0 : strnlen(digits, kPduTextBound - toa_len);
-    const bool international = src[0] == '9';
-    if (len == 0 || dwSize <= 0 || len > static_cast<std::size_t>(dwSize) || len >= kScratchSize) {
+    const std::size_t len = toa_len < 2 ? 0 : strnlen(src + toa_len, kPduTextBound - toa_len);
+    if (dwSize <= 0) {
         SMS_TRACE("src len is[%d]\n\n", static_cast<int>(len));
         return -1;
     }
-    char scratch[kScratchSize] = {};
-    std::memcpy(scratch, digits, len);
-    for (std::size_t i = 0; i + 1 < len; i += 2) {
-        const char c = scratch[i];
-        scratch[i] = scratch[i + 1];
-        scratch[i + 1] = c;
-    }
-    std::size_t n = len;
-    if (scratch[n - 1] == 'f' || scratch[n - 1] == 'F') scratch[--n] = '\0';
+    return smsutil::api::centre_number(src + toa_len, len, src[0] == '9', out, static_cast<std::size_t>(dwSize));
+}
 
-    const bool plus = international && n >= 2 && scratch[0] == '8' && scratch[1] == '6';
+}  // extern "C"
+
+int32_t smsutil::api::centre_number(const char *digits, std::size_t len, bool international, char *out,
+                                    std::size_t size)
+{
+    if (len == 0 || len > size || len > kLongestNumber) {
+        SMS_TRACE_AS("parse_centernum", "src len is[%d]\n\n", static_cast<int>(len));
+        return -1;
+    }
+    // Digits come in swapped pairs; an odd last one stands alone, and an 'F'
+    // that ends up last only pads an odd count.
+    const char last = len % 2 != 0 ? digits[len - 1] : digits[len - 2];
+    const std::size_t n = last == 'f' || last == 'F' ? len - 1 : len;
+    const bool plus = international && n >= 2 && digits[1] == '8' && digits[0] == '6';
     // The text and its terminator must fit the caller's buffer.
-    if (n + (plus ? 1 : 0) >= static_cast<std::size_t>(dwSize)) {
-        SMS_TRACE("src len is[%d]\n\n", static_cast<int>(len));
+    if (n + (plus ? 1 : 0) >= size) {
+        SMS_TRACE_AS("parse_centernum", "src len is[%d]\n\n", static_cast<int>(len));
         return -1;
     }
     char *p = out;
     if (plus) *p++ = '+';
-    std::memcpy(p, scratch, n);
+    std::size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        uint64_t pairs;
+        std::memcpy(&pairs, digits + i, sizeof pairs);
+        pairs = (pairs & 0x00FF00FF00FF00FFu) << 8 | (pairs >> 8 & 0x00FF00FF00FF00FFu);
+        std::memcpy(p + i, &pairs, sizeof pairs);
+    }
+    for (; i + 1 < n; i += 2) {
+        // Swapping the two bytes of a pair is the same on any byte order.
+        uint16_t pair;
+        std::memcpy(&pair, digits + i, sizeof pair);
+        pair = static_cast<uint16_t>(pair << 8 | pair >> 8);
+        std::memcpy(p + i, &pair, sizeof pair);
+    }
+    if (i < n) p[i] = i + 1 < len ? digits[i + 1] : digits[i];
     return 0;
 }
-
-}  // extern "C"

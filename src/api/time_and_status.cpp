@@ -1,35 +1,38 @@
 // The two helpers the extraction steps share: the BCD time stamp and the
 // TP-Status mapping.
+#include "common/bcd_value.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
+
+using smsutil::common::bcd_value;
 
 extern "C" {
 
 SMSUTIL_API int32_t DecomposeReadMsgTime(const wms_timestamp *time, SmsMessageData *msg)
 {
     if (time == nullptr || msg == nullptr) return -1;
-    if (wms_ts_bcd_to_int(time->day, &msg->byDay) == 0) {
+    if (!bcd_value(time->day, msg->byDay)) {
         SMS_TRACE("DecomposeReadMsgTime function parses day unsuccessfully!\n\n");
         return -1;
     }
-    if (wms_ts_bcd_to_int(time->hour, &msg->byHour) == 0) {
+    if (!bcd_value(time->hour, msg->byHour)) {
         SMS_TRACE("DecomposeReadMsgTime function parses hour unsuccessfully!\n\n");
         return -1;
     }
-    if (wms_ts_bcd_to_int(time->minute, &msg->byMinute) == 0) {
+    if (!bcd_value(time->minute, msg->byMinute)) {
         SMS_TRACE("DecomposeReadMsgTime function parses minute unsuccessfully!\n\n");
         return -1;
     }
-    if (wms_ts_bcd_to_int(time->month, &msg->byMonth) == 0) {
+    if (!bcd_value(time->month, msg->byMonth)) {
         SMS_TRACE("DecomposeReadMsgTime function parses month unsuccessfully!\n\n");
         return -1;
     }
-    if (wms_ts_bcd_to_int(time->second, &msg->bySecond) == 0) {
+    if (!bcd_value(time->second, msg->bySecond)) {
         SMS_TRACE("DecomposeReadMsgTime function parses second unsuccessfully!\n\n");
         return -1;
     }
     uint8_t year = 0;
-    if (wms_ts_bcd_to_int(time->year, &year) == 0) {
+    if (!bcd_value(time->year, year)) {
         SMS_TRACE("DecomposeReadMsgTime function parses year unsuccessfully!\n\n");
         return -1;
     }

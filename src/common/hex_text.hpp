@@ -8,6 +8,12 @@
 
 #include "common/le_words.hpp"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#elif defined(__ARM_NEON)
+#include <arm_neon.h>
+#endif
+
 namespace smsutil::common {
 
 // The four bits a character stands for.  Hexadecimal digits count in
@@ -53,7 +59,6 @@ inline bool get_hex16(std::uint8_t *out, const unsigned char *in)
 {
     using Bytes = std::uint8_t __attribute__((vector_size(16)));
     using Pairs = std::uint16_t __attribute__((vector_size(16)));
-    using Octets = std::uint8_t __attribute__((vector_size(8)));
     Bytes w;
     std::memcpy(&w, in, sizeof w);
     const auto letter = (Bytes)((w & 0x40) != 0);
@@ -62,8 +67,15 @@ inline bool get_hex16(std::uint8_t *out, const unsigned char *in)
     std::memcpy(halves, &refused, sizeof halves);
     if ((halves[0] | halves[1]) != 0) return false;
     const auto pairs = (Pairs)((w & 0x0F) + (letter & 9));
-    const Octets octets = __builtin_convertvector(((pairs & 0xFF) << 4) | (pairs >> 8), Octets);
-    std::memcpy(out, &octets, sizeof octets);
+    const Pairs octets = ((pairs & 0xFF) << 4) | (pairs >> 8);
+    // Every lane is below 256: the narrowing is one instruction where the
+    // host has it, and the generic conversion otherwise.
+#if defined(__SSE2__)
+    const __m128i packed = _mm_packus_epi16((__m128i)octets, (__m128i)octets);
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(out), packed);
+#else
+    vst1_u8(out, vmovn_u16((uint16x8_t)octets));
+#endif
     return true;
 }
 #endif
@@ -73,10 +85,14 @@ inline std::uint8_t *get_hex(std::uint8_t *out, const char *in, std::size_t coun
 {
     const auto *s = reinterpret_cast<const unsigned char *>(in);
     std::size_t i = 0;
+    // A short rest is decoded as the last whole group, which overlaps octets
+    // already decoded and gives them the same values again.
 #ifdef SMSUTIL_HEX16
     while (count - i >= 8 && get_hex16(out + i, s + 2 * i)) i += 8;
+    if (i < count && count - i < 8 && count >= 8 && get_hex16(out + count - 8, s + 2 * (count - 8))) i = count;
 #endif
     while (count - i >= 4 && get_hex8(out + i, s + 2 * i)) i += 4;
+    if (i < count && count - i < 4 && count >= 4 && get_hex8(out + count - 4, s + 2 * (count - 4))) i = count;
     for (; i < count; ++i) out[i] = static_cast<std::uint8_t>(kNibbleOf[s[2 * i]] << 4 | kNibbleOf[s[2 * i + 1]]);
     return out + i;
 }

@@ -1,4 +1,5 @@
 // BCD helpers shared by the time stamp, address and message-API code.
+#include "common/bcd_value.hpp"
 #include "smsutil/wms_ts.h"
 
 extern "C" {
@@ -7,14 +8,10 @@ SMSUTIL_API uint8_t wms_ts_int_to_bcd(uint8_t v) { return static_cast<uint8_t>((
 
 SMSUTIL_API uint8_t wms_ts_bcd_to_int(uint8_t bcd, uint8_t *value)
 {
-    const uint8_t high = bcd >> 4;
-    const uint8_t low = bcd & 0x0F;
-    if (high > 9 || low > 9) {
-        if (value != nullptr) *value = 0;
-        return 0;
-    }
-    if (value != nullptr) *value = static_cast<uint8_t>(high * 10 + low);
-    return 1;
+    uint8_t v = 0;
+    const bool digits = smsutil::common::bcd_value(bcd, v);
+    if (value != nullptr) *value = v;
+    return digits ? 1 : 0;
 }
 
 SMSUTIL_API void wms_ts_ascii_to_bcd(const char *text, uint8_t count, uint8_t *digits)

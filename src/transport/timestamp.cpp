@@ -45,6 +45,18 @@ constexpr auto kDecoded = [] {
     return t;
 }();
 
+// The time zone octet as sent: quarter hours in swapped semi-octets, bit 3
+// the sign; a value beyond 12 hours decodes as 0.
+constexpr auto kZones = [] {
+    std::array<std::int8_t, 256> t{};
+    for (unsigned o = 0; o < t.size(); ++o) {
+        const int zone = (o & 0x08) != 0 ? -static_cast<int>(10 * (o & 0x07) + (o >> 4))
+                                         : static_cast<int>(10 * (o & 0x0F) + (o >> 4));
+        t[o] = static_cast<std::int8_t>(zone < -kMaxQuarterHours || zone > kMaxQuarterHours ? 0 : zone);
+    }
+    return t;
+}();
+
 }  // namespace
 
 std::size_t encode_timestamp(const wms_timestamp &time, OctetWriter &out)
@@ -64,17 +76,15 @@ std::size_t encode_timestamp(const wms_timestamp &time, OctetWriter &out)
 
 bool decode_timestamp(OctetReader &in, wms_timestamp &time)
 {
-    std::array<std::uint8_t, kTimestampSize> raw{};
-    if (!in.read(raw, raw.size())) return false;
+    std::span<const std::uint8_t> raw;
+    if (!in.take(kTimestampSize, raw)) return false;
     time.year = kDecoded[0][raw[0]];
     time.month = kDecoded[1][raw[1]];
     time.day = kDecoded[2][raw[2]];
     time.hour = kDecoded[3][raw[3]];
     time.minute = kDecoded[4][raw[4]];
     time.second = kDecoded[5][raw[5]];
-    const std::uint8_t o = raw[6];
-    const int zone = (o & 0x08) != 0 ? -(10 * (o & 0x07) + (o >> 4)) : 10 * (o & 0x0F) + (o >> 4);
-    time.timezone = static_cast<std::int8_t>(zone < -kMaxQuarterHours || zone > kMaxQuarterHours ? 0 : zone);
+    time.timezone = kZones[raw[6]];
     return true;
 }
 
