@@ -68,6 +68,9 @@ TEST_F(ParseSmsTest, EveryCaseOfTheTable)
         EXPECT_EQ(heap.allocations(), 0u);
         EXPECT_EQ(in_.length, pdu.size());
         EXPECT_EQ(fields(), want);
+        // The sender's text ends in zeros, even where it ends early at an '@'.
+        const std::size_t end = strnlen(out_.szAddress, sizeof out_.szAddress);
+        for (std::size_t i = end; i < sizeof out_.szAddress; ++i) EXPECT_EQ(out_.szAddress[i], 0) << i;
         // Every byte of the record is written or cleared: other garbage gives the same record.
         const SmsMessage first = out_;
         std::memset(&out_, 0x5A, sizeof out_);

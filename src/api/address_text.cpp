@@ -2,6 +2,8 @@
 // PDU octets as the modem's hexadecimal text.
 #include <cstring>
 
+#include "api/extract_steps.hpp"
+#include "common/bcd_value.hpp"
 #include "common/hex_text.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
@@ -12,24 +14,7 @@ SMSUTIL_API int32_t DecodeAddress(const wms_address *address, char *pszAddr, uin
 {
     SMS_RETURN_IF_NULL(pszAddr);
     if (address == nullptr || pdwLen == nullptr || *pdwLen == 0) return -1;
-    const uint32_t capacity = *pdwLen;
-    uint32_t pos = 0;
-    uint32_t room = capacity - 1;
-    if (address->number_type == WMS_NUMBER_INTERNATIONAL && room > 0) {
-        pszAddr[pos++] = '+';
-        --room;
-    }
-    uint32_t count = address->number_of_digits;
-    if (count > room) count = room;
-    if (count > WMS_ADDRESS_DIGITS_SIZE) count = WMS_ADDRESS_DIGITS_SIZE;
-    if (address->digit_mode != WMS_DIGIT_MODE_BCD)
-        std::memcpy(pszAddr + pos, address->digits, count);
-    else
-        wms_ts_bcd_to_ascii(address->digits, static_cast<uint8_t>(count), pszAddr + pos);
-    pos += count;
-    pszAddr[pos] = '\0';
-    *pdwLen = pos;
-    SMS_TRACE("DecodeAddress function run successfully!\n\n");
+    *pdwLen = smsutil::api::address_text(*address, pszAddr, *pdwLen);
     return 0;
 }
 
@@ -48,4 +33,25 @@ extern "C" SMSUTIL_API void AsciiToBcd(uint8_t *out, const char *in, uint32_t co
     // Characters go in pairs: an odd count takes the character after the
     // last one as its low nibble (for a whole string, the terminator: 0).
     smsutil::common::get_hex(out, in, (static_cast<std::size_t>(count) + 1) / 2);
+}
+
+uint32_t smsutil::api::address_text(const wms_address &address, char *out, uint32_t capacity)
+{
+    uint32_t pos = 0;
+    uint32_t room = capacity - 1;
+    if (address.number_type == WMS_NUMBER_INTERNATIONAL && room > 0) {
+        out[pos++] = '+';
+        --room;
+    }
+    uint32_t count = address.number_of_digits;
+    if (count > room) count = room;
+    if (count > WMS_ADDRESS_DIGITS_SIZE) count = WMS_ADDRESS_DIGITS_SIZE;
+    if (address.digit_mode != WMS_DIGIT_MODE_BCD)
+        std::memcpy(out + pos, address.digits, count);
+    else
+        for (uint32_t i = 0; i < count; ++i) out[pos + i] = common::kBcdDigitChars[address.digits[i] & 0x0F];
+    pos += count;
+    out[pos] = '\0';
+    SMS_TRACE_AS("DecodeAddress", "DecodeAddress function run successfully!\n\n");
+    return pos;
 }

@@ -162,7 +162,7 @@ int32_t smsutil::api::extract_deliver(const wms_raw_tpdu *raw, SmsMessageData *m
 }
 
 int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode,
-                                            bool whole_record)
+                                            bool whole_record, uint32_t *address_len)
 {
     if (msg == nullptr || pdwErrCode == nullptr) return -1;
     wms_gw_status_report report;
@@ -191,8 +191,13 @@ int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageD
         SMS_TRACE_AS(kParseStatusReport, "DecomposeReadMsgTime in ParseStatusReport function run unsuccessfully!\n\n");
         return -1;
     }
-    uint32_t len = sizeof msg->szAddress;
-    (void)DecodeAddress(&report.address, msg->szAddress, &len);
+    const uint32_t len = address_text(report.address, msg->szAddress, sizeof msg->szAddress);
+    // Decoded alphanumeric text may hold NUL ('@'); the caller's text ends
+    // at the first one.
+    if (address_len != nullptr)
+        *address_len = report.address.digit_mode == WMS_DIGIT_MODE_BCD
+                           ? len
+                           : static_cast<uint32_t>(strnlen(msg->szAddress, sizeof msg->szAddress));
     msg->byHasText = 0;
     if (has_text) {
         copy_user_data(report.user_data, msg);

@@ -23,7 +23,13 @@ int32_t extract_deliver(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *
 // report carries text; otherwise only the fields a report without text
 // gives are written (address, charset, status, time, byHasText and header
 // fields).
-int32_t extract_status_report(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode, bool whole_record);
+// The length of the address text goes to `address_len` when it is given.
+int32_t extract_status_report(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode, bool whole_record,
+                              uint32_t *address_len = nullptr);
+
+// DecodeAddress into a buffer of `capacity` bytes (at least one): the
+// text and its terminator; returns the text's length.
+uint32_t address_text(const wms_address &address, char *out, uint32_t capacity);
 
 // parse_centernum on a text of known length: `digits` (the characters after
 // the type-of-address octet's two) into `out`, which holds `size` bytes and

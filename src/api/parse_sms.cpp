@@ -97,12 +97,13 @@ int32_t status_report_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMess
 {
     out->byStatusReport = 1;
     uint32_t err = 0;
-    const int32_t ret = smsutil::api::extract_status_report(&raw, &msg, &err, false);
+    uint32_t address_len = 0;
+    const int32_t ret = smsutil::api::extract_status_report(&raw, &msg, &err, false, &address_len);
     if (ret != 0) {
         SMS_TRACE_AS(kParseSms, "The ParseStatusReport function's false status is %d\n\n", static_cast<int>(err));
         return ret;
     }
-    copy_address(msg, out, strnlen(msg.szAddress, sizeof msg.szAddress));
+    copy_address(msg, out, address_len);
     SMS_TRACE_AS(kParseSms, "The src address is: %s\n\n", out->szAddress);
     out->sms_content_code = msg.byCharset;
     SMS_TRACE_AS(kParseSms, "The text mode is %d\n\n", static_cast<int>(out->sms_content_code));

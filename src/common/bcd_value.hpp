@@ -19,6 +19,10 @@ inline constexpr auto kBcdValues = [] {
     return t;
 }();
 
+// The character each semi-octet of a BCD address stands for.
+inline constexpr char kBcdDigitChars[16] = {'0', '1', '2', '3', '4', '5', '6', '7',
+                                            '8', '9', '*', '#', 'a', 'b', 'c', ' '};
+
 // Sets `value` to the two decimal semi-octets read as a number, or to 0
 // when either is not a decimal digit; says whether both were.
 inline bool bcd_value(std::uint8_t bcd, std::uint8_t &value)

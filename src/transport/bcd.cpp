@@ -25,10 +25,8 @@ SMSUTIL_API void wms_ts_ascii_to_bcd(const char *text, uint8_t count, uint8_t *d
 
 SMSUTIL_API void wms_ts_bcd_to_ascii(const uint8_t *digits, uint8_t count, char *text)
 {
-    static constexpr char kDigitChars[16] = {'0', '1', '2', '3', '4', '5', '6', '7',
-                                             '8', '9', '*', '#', 'a', 'b', 'c', ' '};
     if (text == nullptr || digits == nullptr) return;
-    for (uint8_t i = 0; i < count; ++i) text[i] = kDigitChars[digits[i] & 0x0F];
+    for (uint8_t i = 0; i < count; ++i) text[i] = smsutil::common::kBcdDigitChars[digits[i] & 0x0F];
 }
 
 }  // extern "C"
