@@ -9,6 +9,7 @@ namespace {
 bool codec_failed(uint32_t status) { return (status & 0xFFu) != 0; }
 
 constexpr const char kMSDecodeDeliver[] = "MSDecodeDeliver";
+constexpr const char kMSDecodeStatusReport[] = "MSDecodeStatusReport";
 }  // namespace
 
 int32_t smsutil::api::decode_deliver_step(const wms_raw_tpdu *raw, wms_gw_deliver *out,
@@ -19,6 +20,16 @@ int32_t smsutil::api::decode_deliver_step(const wms_raw_tpdu *raw, wms_gw_delive
         return -1;
     }
     SMS_TRACE_AS(kMSDecodeDeliver, "MSDecodeDeliver function run successfully!\n\n");
+    return 0;
+}
+
+int32_t smsutil::api::decode_status_report_step(const wms_raw_tpdu *raw, wms_gw_status_report *out, bool with_scts)
+{
+    if (raw == nullptr || out == nullptr || codec_failed(transport::decode_status_report(*raw, *out, with_scts))) {
+        SMS_TRACE_AS(kMSDecodeStatusReport, "MSDecodeStatusReport function run unsuccessfully!\n\n");
+        return -1;
+    }
+    SMS_TRACE_AS(kMSDecodeStatusReport, "MSDecodeStatusReport function run successfully!\n\n");
     return 0;
 }
 
@@ -41,12 +52,7 @@ SMSUTIL_API int32_t MSDecodeSubmit(const wms_raw_tpdu *raw, wms_gw_submit *out)
 
 SMSUTIL_API int32_t MSDecodeStatusReport(const wms_raw_tpdu *raw, wms_gw_status_report *out)
 {
-    if (raw == nullptr || out == nullptr || codec_failed(wms_ts_decode_status_report(raw, out))) {
-        SMS_TRACE("MSDecodeStatusReport function run unsuccessfully!\n\n");
-        return -1;
-    }
-    SMS_TRACE("MSDecodeStatusReport function run successfully!\n\n");
-    return 0;
+    return smsutil::api::decode_status_report_step(raw, out, true);
 }
 
 SMSUTIL_API int32_t MSEncodeSubmit(const wms_gw_submit *submit, wms_raw_tpdu *raw)

@@ -167,7 +167,7 @@ int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageD
     if (msg == nullptr || pdwErrCode == nullptr) return -1;
     wms_gw_status_report report;
     clear_for_decoding(report, raw, report_may_carry_text(raw));
-    if (MSDecodeStatusReport(raw, &report) != 0) {
+    if (decode_status_report_step(raw, &report, false) != 0) {
         *pdwErrCode = SMS_ERR_DECODE;
         SMS_TRACE_AS(kParseStatusReport,
                      "MSDecodeStatusReport in ParseStatusReport function run unsuccessfully! The ERROR CODE is %d\n\n",

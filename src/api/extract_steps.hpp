@@ -14,6 +14,10 @@ namespace smsutil::api {
 // MSDecodeDeliver; with `in_place`, UCS-2 text stays in the TPDU.
 int32_t decode_deliver_step(const wms_raw_tpdu *raw, wms_gw_deliver *out, transport::Ucs2InPlace *in_place);
 
+// MSDecodeStatusReport; without `with_scts`, out->timestamp is left as it
+// was (the extraction step never reads it).
+int32_t decode_status_report_step(const wms_raw_tpdu *raw, wms_gw_status_report *out, bool with_scts);
+
 // ParseDeliverSms.  With `in_place`, UCS-2 text is located rather than
 // copied, and msg->SmsData is then neither cleared nor filled.
 int32_t extract_deliver(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode,

@@ -1,5 +1,6 @@
 // The service-centre address in front of every PDU: built for sending,
 // read back from received PDU text.
+#include <array>
 #include <cstring>
 
 #include "api/extract_steps.hpp"
@@ -12,14 +13,18 @@ constexpr uint32_t kMaxScNumber = 20;
 constexpr std::size_t kLongestNumber = SMS_NUMBER_SIZE - 1;
 constexpr std::size_t kPduTextBound = SMS_PDU_TEXT_SIZE;
 
-// Value of one hexadecimal character, or -1.
-int hex_value(char c)
-{
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    return -1;
-}
+// Value of every hexadecimal character, -1 for any other.
+constexpr auto kHexValues = [] {
+    std::array<int8_t, 256> t{};
+    for (unsigned c = 0; c < t.size(); ++c)
+        t[c] = static_cast<int8_t>(c >= '0' && c <= '9'   ? c - '0'
+                                   : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                   : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                                                          : -1);
+    return t;
+}();
+
+int hex_value(char c) { return kHexValues[static_cast<unsigned char>(c)]; }
 
 }  // namespace
 

@@ -80,6 +80,16 @@ inline bool get_hex16(std::uint8_t *out, const unsigned char *in)
 }
 #endif
 
+// The pairs no word step took (a short text, or a group holding some other
+// character), one at a time: out of line, so that the usual call keeps no
+// registers for this loop.
+[[gnu::noinline]] inline void get_hex_pairs(std::uint8_t *out, const unsigned char *s, std::size_t from,
+                                            std::size_t count)
+{
+    for (std::size_t i = from; i < count; ++i)
+        out[i] = static_cast<std::uint8_t>(kNibbleOf[s[2 * i]] << 4 | kNibbleOf[s[2 * i + 1]]);
+}
+
 // Reads 2 * count characters into count octets.
 inline std::uint8_t *get_hex(std::uint8_t *out, const char *in, std::size_t count)
 {
@@ -93,8 +103,8 @@ inline std::uint8_t *get_hex(std::uint8_t *out, const char *in, std::size_t coun
 #endif
     while (count - i >= 4 && get_hex8(out + i, s + 2 * i)) i += 4;
     if (i < count && count - i < 4 && count >= 4 && get_hex8(out + count - 4, s + 2 * (count - 4))) i = count;
-    for (; i < count; ++i) out[i] = static_cast<std::uint8_t>(kNibbleOf[s[2 * i]] << 4 | kNibbleOf[s[2 * i + 1]]);
-    return out + i;
+    if (i < count) get_hex_pairs(out, s, i, count);
+    return out + count;
 }
 
 // The two lowercase digits of every octet, so that an octet is written in

@@ -107,6 +107,9 @@ wms_status_e_type decode_tpdu_user_data(const wms_gw_dcs &dcs, std::uint8_t udl,
                                         bool header_present, wms_gw_user_data &data, Ucs2InPlace *in_place = nullptr);
 // SMS-DELIVER, optionally leaving UCS-2 text in place.
 wms_status_e_type decode_deliver(const wms_raw_tpdu &raw, wms_gw_deliver &msg, Ucs2InPlace *in_place);
+// SMS-STATUS-REPORT; without `with_scts`, TP-SCTS is only stepped over and
+// msg.timestamp left as it was.
+wms_status_e_type decode_status_report(const wms_raw_tpdu &raw, wms_gw_status_report &msg, bool with_scts);
 // The TPDU encoders' last step: TP-UDL and TP-UD; 0, or 101 when too long.
 wms_status_e_type encode_tpdu_user_data(const wms_gw_dcs &dcs, const wms_gw_user_data &data, OctetWriter &out);
 
