@@ -162,7 +162,7 @@ int32_t smsutil::api::extract_deliver(const wms_raw_tpdu *raw, SmsMessageData *m
 }
 
 int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageData *msg, uint32_t *pdwErrCode,
-                                            bool whole_record, uint32_t *address_len)
+                                            bool whole_record, char *address_out)
 {
     if (msg == nullptr || pdwErrCode == nullptr) return -1;
     wms_gw_status_report report;
@@ -180,24 +180,24 @@ int32_t smsutil::api::extract_status_report(const wms_raw_tpdu *raw, SmsMessageD
     if (whole_record || has_text) std::memset(msg, 0, sizeof *msg);
     msg->byMsgForm = 2;
     msg->byCharset = charset_of(report.dcs.alphabet);
-    const int32_t ret = SwitchReportStatus(report.tp_status, &msg->byReportState);
-    if (ret != 0) {
-        SMS_TRACE_AS(kParseStatusReport, "SwitchReportStatus in ParseStatusReport function run unsuccessfully!\n\n");
-        return ret;
-    }
+    msg->byReportState = report_status_tag(report.tp_status);
     msg->byMsgType = SMS_MSG_TYPE_STATUS_REPORT;
     if (DecomposeReadMsgTime(&report.discharge_time, msg) != 0) {
         *pdwErrCode = SMS_ERR_DECODE;
         SMS_TRACE_AS(kParseStatusReport, "DecomposeReadMsgTime in ParseStatusReport function run unsuccessfully!\n\n");
         return -1;
     }
-    const uint32_t len = address_text(report.address, msg->szAddress, sizeof msg->szAddress);
-    // Decoded alphanumeric text may hold NUL ('@'); the caller's text ends
-    // at the first one.
-    if (address_len != nullptr)
-        *address_len = report.address.digit_mode == WMS_DIGIT_MODE_BCD
-                           ? len
-                           : static_cast<uint32_t>(strnlen(msg->szAddress, sizeof msg->szAddress));
+    if (address_out == nullptr) {
+        (void)address_text(report.address, msg->szAddress, sizeof msg->szAddress);
+    } else {
+        const uint32_t len = address_text(report.address, address_out, sizeof msg->szAddress);
+        // Decoded alphanumeric text may hold NUL ('@'): the caller's text
+        // ends at the first one, with nothing after it.
+        if (report.address.digit_mode != WMS_DIGIT_MODE_BCD) {
+            const std::size_t end = strnlen(address_out, len);
+            std::memset(address_out + end, 0, len - end);
+        }
+    }
     msg->byHasText = 0;
     if (has_text) {
         copy_user_data(report.user_data, msg);

@@ -3,6 +3,7 @@
 
 #include "api/extract_steps.hpp"
 #include "api/message_text.hpp"
+#include "common/hex_text.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
 
@@ -97,13 +98,13 @@ int32_t status_report_path(const wms_raw_tpdu &raw, SmsMessageData &msg, SmsMess
 {
     out->byStatusReport = 1;
     uint32_t err = 0;
-    uint32_t address_len = 0;
-    const int32_t ret = smsutil::api::extract_status_report(&raw, &msg, &err, false, &address_len);
+    // The recipient's text goes straight into the caller's record, which
+    // was cleared, so a refusal leaves it as cleared as ever.
+    const int32_t ret = smsutil::api::extract_status_report(&raw, &msg, &err, false, out->szAddress);
     if (ret != 0) {
         SMS_TRACE_AS(kParseSms, "The ParseStatusReport function's false status is %d\n\n", static_cast<int>(err));
         return ret;
     }
-    copy_address(msg, out, address_len);
     SMS_TRACE_AS(kParseSms, "The src address is: %s\n\n", out->szAddress);
     out->sms_content_code = msg.byCharset;
     SMS_TRACE_AS(kParseSms, "The text mode is %d\n\n", static_cast<int>(out->sms_content_code));
@@ -183,7 +184,7 @@ extern "C" SMSUTIL_API int32_t ParseSms(SmsReadPdu *pInputSms, SmsMessage *pOutp
 
     // At most 510 characters remain, so the octets fit the raw record.
     raw.len = static_cast<uint32_t>(tpdu_chars / 2);
-    AsciiToBcd(raw.data, tpdu_text, static_cast<uint32_t>(raw.len * 2));
+    smsutil::common::get_hex(raw.data, tpdu_text, raw.len);
 
     const uint8_t mti = raw.data[0] & 0x03;
     if (mti == 3) {

@@ -1,5 +1,6 @@
 // The two helpers the extraction steps share: the BCD time stamp and the
 // TP-Status mapping.
+#include "api/extract_steps.hpp"
 #include "common/bcd_value.hpp"
 #include "common/trace.hpp"
 #include "smsutil/sms_api.h"
@@ -52,20 +53,7 @@ SMSUTIL_API int32_t SwitchReportStatus(uint32_t tpStatus, uint8_t *PbyTag)
         SMS_TRACE("The pointer PbyTag of SwitchReportStatus in ParseStatusReport function is NULL!\n\n");
         return -1;
     }
-    const uint32_t status = tpStatus;
-    if (status == 0)
-        *PbyTag = SMS_STATUS_DELIVERED;
-    else if (status == 2)
-        *PbyTag = SMS_STATUS_REPLACED;
-    else if (status < 0x20)
-        *PbyTag = SMS_STATUS_COMPLETED;
-    else if (status < 0x40)
-        *PbyTag = SMS_STATUS_PENDING;
-    else if (status < 0x60)
-        *PbyTag = SMS_STATUS_FAILED;
-    else
-        *PbyTag = SMS_STATUS_STOPPED;
-    SMS_TRACE("SwitchReportStatus function run successfully!\n\n");
+    *PbyTag = smsutil::api::report_status_tag(tpStatus);
     return 0;
 }
 

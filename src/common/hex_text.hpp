@@ -63,9 +63,13 @@ inline bool get_hex16(std::uint8_t *out, const unsigned char *in)
     std::memcpy(&w, in, sizeof w);
     const auto letter = (Bytes)((w & 0x40) != 0);
     const auto refused = letter & (Bytes)((Bytes)((w & 0xDF) - 'A') >= 6);
+#if defined(__SSE2__)
+    if (_mm_movemask_epi8((__m128i)refused) != 0) return false;
+#else
     std::uint64_t halves[2];
     std::memcpy(halves, &refused, sizeof halves);
     if ((halves[0] | halves[1]) != 0) return false;
+#endif
     const auto pairs = (Pairs)((w & 0x0F) + (letter & 9));
     const Pairs octets = ((pairs & 0xFF) << 4) | (pairs >> 8);
     // Every lane is below 256: the narrowing is one instruction where the
