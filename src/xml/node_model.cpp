@@ -22,7 +22,9 @@ void release_chunk(NodeChunk *chunk)
 
 void drop_string(XML_Node *node, char **field)
 {
-    const unsigned char in_block = field == &node->name ? kNameInBlock : field == &node->prefix ? kPrefixInBlock : 0;
+    const unsigned char in_block = field == &node->name     ? kNameInBlock
+                                   : field == &node->prefix ? kPrefixInBlock
+                                                            : kValueInBlock;
     unsigned char &flags = node_flags(node);
     if ((flags & in_block) == 0) XML_Free(*field);
     flags = static_cast<unsigned char>(flags & ~in_block);
@@ -111,7 +113,7 @@ inline void release_single(XML_Node *node)
     // those are tested here rather than by a call that ignores them.
     const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(node);
     if ((tail.flags & smsutil::xml::kNameInBlock) == 0 && node->name != nullptr) XML_Free(node->name);
-    if (node->value != nullptr) XML_Free(node->value);
+    if ((tail.flags & smsutil::xml::kValueInBlock) == 0 && node->value != nullptr) XML_Free(node->value);
     if ((tail.flags & smsutil::xml::kPrefixInBlock) == 0 && node->prefix != nullptr) XML_Free(node->prefix);
     if (tail.chunk != nullptr)
         smsutil::xml::release_chunk(tail.chunk);

@@ -365,11 +365,17 @@ bool split_qname_in_place(XML_Node *node)
     return true;
 }
 
+// Room for size bytes rounded up so that the next node stays aligned.
+constexpr std::size_t carved_size(std::size_t size)
+{
+    constexpr std::size_t align = alignof(XML_Node);
+    return (size + align - 1) / align * align;
+}
+
 // A zeroed node of the given kind with text_room bytes for its names.
 XML_Node *carve_node(ParseState &s, uint32_t kind, std::size_t text_room)
 {
-    constexpr std::size_t align = alignof(XML_Node);
-    const std::size_t need = (smsutil::xml::kNodeBlockSize + text_room + align - 1) / align * align;
+    const std::size_t need = carved_size(smsutil::xml::kNodeBlockSize + text_room);
     if (static_cast<std::size_t>(s.chunkEnd - s.chunkNext) < need && !next_chunk(s, need)) return nullptr;
     XML_Node *node = smsutil::xml::init_node(s.chunkNext, kind, s.chunk);
     s.chunkNext += need;
@@ -400,6 +406,28 @@ bool make_pending(ParseState &s)
     tail.plainName = length == s.tokenLength && length < kLongName && (byte_class(*last) & kMaybeClose) == 0;
     s.pending->name = room;
     node_flags(s.pending) |= smsutil::xml::kNameInBlock;
+    return true;
+}
+
+// Sets node's value to the decoded text[0, n) (null for n == 0).  Most
+// values follow their node in the block it was just carved from: the
+// value then costs no request of its own and goes back with the node.
+// A value whose node lies in an earlier block, or that does not fit in
+// what is left of the block, gets a block of its own.
+bool store_value(ParseState &s, XML_Node *node, const char *text, std::size_t n)
+{
+    const std::size_t need = carved_size(n + 1);
+    if (n == 0 || smsutil::xml::node_tail(node).chunk != s.chunk ||
+        static_cast<std::size_t>(s.chunkEnd - s.chunkNext) < need)
+        return copy_decoded(text, n, &node->value);
+    char *room = s.chunkNext;
+    const std::size_t len = decode_into(text, n, room);
+    if (len == kBadReference) return false;
+    // What decoding saved stays zero, as in a block of its own.
+    if (len < n) std::memset(room + len, 0, n + 1 - len);
+    s.chunkNext += need;
+    node->value = room;
+    node_flags(node) |= smsutil::xml::kValueInBlock;
     return true;
 }
 
@@ -523,7 +551,7 @@ bool parse_attribute(ParseState &s)
     if (ok) {
         const char *value = s.cursor;
         const char *close = find_byte(value, s.end, *s.tokenStart);
-        ok = close != nullptr && copy_decoded(value, static_cast<std::size_t>(close - value), &attr->value);
+        ok = close != nullptr && store_value(s, attr, value, static_cast<std::size_t>(close - value));
         if (ok) s.cursor = close + 1;
     }
     if (ok) ok = add_attr(attr, s.current);
@@ -612,7 +640,7 @@ bool parse_text(ParseState &s)
     const char *start = s.tokenStart;
     while (start > s.input && start[-1] == ' ') --start;
     const char *end = find_byte(s.tokenStart, s.end, '<');
-    if (end == nullptr || !copy_decoded(start, static_cast<std::size_t>(end - start), &element->value)) return false;
+    if (end == nullptr || !store_value(s, element, start, static_cast<std::size_t>(end - start))) return false;
     if (end[1] == '/') {
         s.cursor = end + 2;
         if (end_tag_matches(s, element)) {
