@@ -52,6 +52,12 @@ struct ParseState {
     NodeChunk *chunk;  // the block new nodes are carved from (the parser holds a reference)
     char *chunkNext;
     char *chunkEnd;
+    // The block before chunk and what is left of it: an element's text
+    // still goes there when the element's attributes started a new block.
+    // The parser no longer holds it; the element that uses it does.
+    NodeChunk *lastChunk;
+    char *lastNext;
+    char *lastEnd;
 };
 
 enum class Step { kOk, kEnd, kFail };
@@ -358,6 +364,9 @@ bool split_qname_in_place(XML_Node *node)
     void *block = XML_Malloc(size);
     if (block == nullptr) return false;
     if (s.chunk != nullptr) smsutil::xml::release_chunk(s.chunk);
+    s.lastChunk = s.chunk;
+    s.lastNext = s.chunkNext;
+    s.lastEnd = s.chunkEnd;
     s.chunk = new (block) NodeChunk{};
     s.chunk->refs.store(1, std::memory_order_relaxed);
     s.chunkNext = static_cast<char *>(block) + kChunkHeader;
@@ -412,20 +421,22 @@ bool make_pending(ParseState &s)
 // Sets node's value to the decoded text[0, n) (null for n == 0).  Most
 // values follow their node in the block it was just carved from: the
 // value then costs no request of its own and goes back with the node.
-// A value whose node lies in an earlier block, or that does not fit in
-// what is left of the block, gets a block of its own.
+// A value whose node lies in an older block, or that does not fit in what
+// is left of the node's block, gets a block of its own.
 bool store_value(ParseState &s, XML_Node *node, const char *text, std::size_t n)
 {
+    const NodeChunk *home = smsutil::xml::node_tail(node).chunk;
+    char **next = home == s.chunk ? &s.chunkNext : home == s.lastChunk ? &s.lastNext : nullptr;
+    const char *end = home == s.chunk ? s.chunkEnd : s.lastEnd;
     const std::size_t need = carved_size(n + 1);
-    if (n == 0 || smsutil::xml::node_tail(node).chunk != s.chunk ||
-        static_cast<std::size_t>(s.chunkEnd - s.chunkNext) < need)
+    if (n == 0 || next == nullptr || static_cast<std::size_t>(end - *next) < need)
         return copy_decoded(text, n, &node->value);
-    char *room = s.chunkNext;
+    char *room = *next;
     const std::size_t len = decode_into(text, n, room);
     if (len == kBadReference) return false;
     // What decoding saved stays zero, as in a block of its own.
     if (len < n) std::memset(room + len, 0, n + 1 - len);
-    s.chunkNext += need;
+    *next += need;
     node->value = room;
     node_flags(node) |= smsutil::xml::kValueInBlock;
     return true;
