@@ -131,16 +131,32 @@ extern "C" SMSUTIL_API void XML_FreeSingleNode(XML_Node *node)
 // Walks the chain without recursion so that a deeply nested document
 // cannot exhaust the stack: each node's children and attributes are
 // spliced into the chain right after it before the node itself goes.
+namespace {
+
+// Puts the list from head into the chain right after node.
+void splice_after(XML_Node *node, XML_Node *head)
+{
+    if (head == nullptr) return;
+    XML_Node *tail = head;
+    while (tail->nextSibling != nullptr) tail = tail->nextSibling;
+    tail->nextSibling = node->nextSibling;
+    node->nextSibling = head;
+}
+
+}  // namespace
+
 extern "C" SMSUTIL_API void XML_FreeNode(XML_Node *node)
 {
     while (node != nullptr) {
-        XML_Node *lists[2] = {node->firstChild, node->firstAttr};
-        for (XML_Node *head : lists) {
-            if (head == nullptr) continue;
-            XML_Node *tail = head;
-            while (tail->nextSibling != nullptr) tail = tail->nextSibling;
-            tail->nextSibling = node->nextSibling;
-            node->nextSibling = head;
+        splice_after(node, node->firstChild);
+        // Attributes are released here rather than spliced: they carry no
+        // lists of their own unless a caller hung some on them.
+        for (XML_Node *attr = node->firstAttr; attr != nullptr;) {
+            XML_Node *next = attr->nextSibling;
+            splice_after(node, attr->firstChild);
+            splice_after(node, attr->firstAttr);
+            release_single(attr);
+            attr = next;
         }
         XML_Node *next = node->nextSibling;
         release_single(node);
