@@ -40,7 +40,7 @@ Document make_document(int count, int attrs, int child_attrs, int long_every, co
     for (int i = 0; i < count; ++i) {
         const bool is_long = long_every != 0 && i % long_every == 0;
         const std::string n = std::to_string(i);
-        Feature f{"F" + n, "", is_long ? std::string(2500, 't') : "text & " + n};
+        Feature f{"F" + n, "", is_long ? std::string(9000, 't') : "text & " + n};
         std::string xml = "  <F" + n;
         for (int a = 0; a < attrs; ++a) {
             const std::string value =
@@ -51,7 +51,7 @@ Document make_document(int count, int attrs, int child_attrs, int long_every, co
         if (attrs > 0) f.head += "}";
         xml += ">\n    <t k='" + n + "'";
         for (int b = 0; b < child_attrs; ++b) {
-            const std::string value = mark + "child" + std::to_string(b);
+            const std::string value = mark + "child" + std::to_string(b) + std::string(400, 'c');
             xml += "\n       b" + std::to_string(b) + "='" + value + "'";
             f.child_attrs += ",b" + std::to_string(b) + "=" + value;
         }

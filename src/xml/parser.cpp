@@ -22,11 +22,13 @@ using smsutil::xml::node_flags;
 using smsutil::xml::node_text_room;
 using smsutil::xml::NodeChunk;
 
-// A node block holds about ten nodes.  It stays below a kilobyte: the
-// allocator treats larger requests as large ones and first merges all its
-// lists of small free blocks, which made every block cost as much as the
-// nodes saved.  Only a longer name takes a larger block.
+// The first node block holds about ten nodes with their values, so that a
+// small document takes no more than a kilobyte; each further block is twice
+// the one before, up to eight times that, so that a large document costs a
+// request per seventy nodes or so while what is left unused at its end
+// stays small.  Only a longer name takes a larger block.
 constexpr std::size_t kChunkSize = 1000;
+constexpr std::size_t kMaxChunkSize = 8 * kChunkSize;
 constexpr std::size_t kChunkHeader =
     (sizeof(NodeChunk) + alignof(XML_Node) - 1) / alignof(XML_Node) * alignof(XML_Node);
 
@@ -58,6 +60,7 @@ struct ParseState {
     NodeChunk *lastChunk;
     char *lastNext;
     char *lastEnd;
+    std::size_t chunkSize;  // of the next block
 };
 
 enum class Step { kOk, kEnd, kFail };
@@ -360,7 +363,8 @@ bool split_qname_in_place(XML_Node *node)
 // the previous one is given up.
 [[gnu::noinline]] bool next_chunk(ParseState &s, std::size_t need)
 {
-    const std::size_t size = std::max(kChunkSize, kChunkHeader + need);
+    const std::size_t size = std::max(s.chunkSize, kChunkHeader + need);
+    s.chunkSize = std::min(s.chunkSize * 2, kMaxChunkSize);
     void *block = XML_Malloc(size);
     if (block == nullptr) return false;
     if (s.chunk != nullptr) smsutil::xml::release_chunk(s.chunk);
@@ -781,6 +785,7 @@ uint32_t parse_document(const char *text, bool borrowed, XML_Node **out)
     state->end = text + std::strlen(text);
     state->cursor = text;
     state->inputBorrowed = borrowed;
+    state->chunkSize = kChunkSize;
     const uint32_t rc = parse_doc(*state, out);
     XML_Free(state);
     return rc;
