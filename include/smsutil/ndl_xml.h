@@ -43,7 +43,9 @@ SMSUTIL_BEGIN_DECLS
 #define XML_VAL_UINT8 6u
 
 /* One record for elements and attributes.  Strings are owned by the node,
- * NUL-terminated and never empty (absent is null).  Elements link their
+ * NUL-terminated and never empty (absent is null); replace or clear them
+ * through the functions below only, since a parsed node keeps its strings
+ * in storage it shares with other nodes.  Elements link their
  * children through firstChild/lastChild and prevSibling/nextSibling; an
  * attribute hangs off its element's firstAttr list through nextSibling and
  * has the element as parent. */

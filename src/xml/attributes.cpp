@@ -106,7 +106,7 @@ extern "C" SMSUTIL_API uint32_t NDL_XML_SetAttr(XML_Node *element, const char *p
         copy = XML_Strdup(value);
         if (copy == nullptr) return XML_ERR_NO_MEMORY;
     }
-    XML_Free(attr->value);
+    smsutil::xml::drop_string(attr, &attr->value);
     attr->value = copy;
     return XML_OK;
 }

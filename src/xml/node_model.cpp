@@ -22,7 +22,9 @@ void release_chunk(NodeChunk *chunk)
 
 void drop_string(XML_Node *node, char **field)
 {
-    const unsigned char in_block = field == &node->name ? kNameInBlock : field == &node->prefix ? kPrefixInBlock : 0;
+    const unsigned char in_block = field == &node->name     ? kNameInBlock
+                                   : field == &node->prefix ? kPrefixInBlock
+                                                            : kValueInBlock;
     unsigned char &flags = node_flags(node);
     if ((flags & in_block) == 0) XML_Free(*field);
     flags = static_cast<unsigned char>(flags & ~in_block);
@@ -111,7 +113,7 @@ inline void release_single(XML_Node *node)
     // those are tested here rather than by a call that ignores them.
     const smsutil::xml::NodeTail &tail = smsutil::xml::node_tail(node);
     if ((tail.flags & smsutil::xml::kNameInBlock) == 0 && node->name != nullptr) XML_Free(node->name);
-    if (node->value != nullptr) XML_Free(node->value);
+    if ((tail.flags & smsutil::xml::kValueInBlock) == 0 && node->value != nullptr) XML_Free(node->value);
     if ((tail.flags & smsutil::xml::kPrefixInBlock) == 0 && node->prefix != nullptr) XML_Free(node->prefix);
     if (tail.chunk != nullptr)
         smsutil::xml::release_chunk(tail.chunk);
@@ -129,16 +131,32 @@ extern "C" SMSUTIL_API void XML_FreeSingleNode(XML_Node *node)
 // Walks the chain without recursion so that a deeply nested document
 // cannot exhaust the stack: each node's children and attributes are
 // spliced into the chain right after it before the node itself goes.
+namespace {
+
+// Puts the list from head into the chain right after node.
+void splice_after(XML_Node *node, XML_Node *head)
+{
+    if (head == nullptr) return;
+    XML_Node *tail = head;
+    while (tail->nextSibling != nullptr) tail = tail->nextSibling;
+    tail->nextSibling = node->nextSibling;
+    node->nextSibling = head;
+}
+
+}  // namespace
+
 extern "C" SMSUTIL_API void XML_FreeNode(XML_Node *node)
 {
     while (node != nullptr) {
-        XML_Node *lists[2] = {node->firstChild, node->firstAttr};
-        for (XML_Node *head : lists) {
-            if (head == nullptr) continue;
-            XML_Node *tail = head;
-            while (tail->nextSibling != nullptr) tail = tail->nextSibling;
-            tail->nextSibling = node->nextSibling;
-            node->nextSibling = head;
+        splice_after(node, node->firstChild);
+        // Attributes are released here rather than spliced: they carry no
+        // lists of their own unless a caller hung some on them.
+        for (XML_Node *attr = node->firstAttr; attr != nullptr;) {
+            XML_Node *next = attr->nextSibling;
+            splice_after(node, attr->firstChild);
+            splice_after(node, attr->firstAttr);
+            release_single(attr);
+            attr = next;
         }
         XML_Node *next = node->nextSibling;
         release_single(node);

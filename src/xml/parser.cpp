@@ -22,11 +22,13 @@ using smsutil::xml::node_flags;
 using smsutil::xml::node_text_room;
 using smsutil::xml::NodeChunk;
 
-// A node block holds about ten nodes.  It stays below a kilobyte: the
-// allocator treats larger requests as large ones and first merges all its
-// lists of small free blocks, which made every block cost as much as the
-// nodes saved.  Only a longer name takes a larger block.
+// The first node block holds about ten nodes with their values, so that a
+// small document takes no more than a kilobyte; each further block is twice
+// the one before, up to eight times that, so that a large document costs a
+// request per seventy nodes or so while what is left unused at its end
+// stays small.  Only a longer name takes a larger block.
 constexpr std::size_t kChunkSize = 1000;
+constexpr std::size_t kMaxChunkSize = 8 * kChunkSize;
 constexpr std::size_t kChunkHeader =
     (sizeof(NodeChunk) + alignof(XML_Node) - 1) / alignof(XML_Node) * alignof(XML_Node);
 
@@ -52,6 +54,13 @@ struct ParseState {
     NodeChunk *chunk;  // the block new nodes are carved from (the parser holds a reference)
     char *chunkNext;
     char *chunkEnd;
+    // The block before chunk and what is left of it: an element's text
+    // still goes there when the element's attributes started a new block.
+    // The parser no longer holds it; the element that uses it does.
+    NodeChunk *lastChunk;
+    char *lastNext;
+    char *lastEnd;
+    std::size_t chunkSize;  // of the next block
 };
 
 enum class Step { kOk, kEnd, kFail };
@@ -354,10 +363,14 @@ bool split_qname_in_place(XML_Node *node)
 // the previous one is given up.
 [[gnu::noinline]] bool next_chunk(ParseState &s, std::size_t need)
 {
-    const std::size_t size = std::max(kChunkSize, kChunkHeader + need);
+    const std::size_t size = std::max(s.chunkSize, kChunkHeader + need);
+    s.chunkSize = std::min(s.chunkSize * 2, kMaxChunkSize);
     void *block = XML_Malloc(size);
     if (block == nullptr) return false;
     if (s.chunk != nullptr) smsutil::xml::release_chunk(s.chunk);
+    s.lastChunk = s.chunk;
+    s.lastNext = s.chunkNext;
+    s.lastEnd = s.chunkEnd;
     s.chunk = new (block) NodeChunk{};
     s.chunk->refs.store(1, std::memory_order_relaxed);
     s.chunkNext = static_cast<char *>(block) + kChunkHeader;
@@ -365,11 +378,17 @@ bool split_qname_in_place(XML_Node *node)
     return true;
 }
 
+// Room for size bytes rounded up so that the next node stays aligned.
+constexpr std::size_t carved_size(std::size_t size)
+{
+    constexpr std::size_t align = alignof(XML_Node);
+    return (size + align - 1) / align * align;
+}
+
 // A zeroed node of the given kind with text_room bytes for its names.
 XML_Node *carve_node(ParseState &s, uint32_t kind, std::size_t text_room)
 {
-    constexpr std::size_t align = alignof(XML_Node);
-    const std::size_t need = (smsutil::xml::kNodeBlockSize + text_room + align - 1) / align * align;
+    const std::size_t need = carved_size(smsutil::xml::kNodeBlockSize + text_room);
     if (static_cast<std::size_t>(s.chunkEnd - s.chunkNext) < need && !next_chunk(s, need)) return nullptr;
     XML_Node *node = smsutil::xml::init_node(s.chunkNext, kind, s.chunk);
     s.chunkNext += need;
@@ -400,6 +419,30 @@ bool make_pending(ParseState &s)
     tail.plainName = length == s.tokenLength && length < kLongName && (byte_class(*last) & kMaybeClose) == 0;
     s.pending->name = room;
     node_flags(s.pending) |= smsutil::xml::kNameInBlock;
+    return true;
+}
+
+// Sets node's value to the decoded text[0, n) (null for n == 0).  Most
+// values follow their node in the block it was just carved from: the
+// value then costs no request of its own and goes back with the node.
+// A value whose node lies in an older block, or that does not fit in what
+// is left of the node's block, gets a block of its own.
+bool store_value(ParseState &s, XML_Node *node, const char *text, std::size_t n)
+{
+    const NodeChunk *home = smsutil::xml::node_tail(node).chunk;
+    char **next = home == s.chunk ? &s.chunkNext : home == s.lastChunk ? &s.lastNext : nullptr;
+    const char *end = home == s.chunk ? s.chunkEnd : s.lastEnd;
+    const std::size_t need = carved_size(n + 1);
+    if (n == 0 || next == nullptr || static_cast<std::size_t>(end - *next) < need)
+        return copy_decoded(text, n, &node->value);
+    char *room = *next;
+    const std::size_t len = decode_into(text, n, room);
+    if (len == kBadReference) return false;
+    // What decoding saved stays zero, as in a block of its own.
+    if (len < n) std::memset(room + len, 0, n + 1 - len);
+    *next += need;
+    node->value = room;
+    node_flags(node) |= smsutil::xml::kValueInBlock;
     return true;
 }
 
@@ -523,7 +566,7 @@ bool parse_attribute(ParseState &s)
     if (ok) {
         const char *value = s.cursor;
         const char *close = find_byte(value, s.end, *s.tokenStart);
-        ok = close != nullptr && copy_decoded(value, static_cast<std::size_t>(close - value), &attr->value);
+        ok = close != nullptr && store_value(s, attr, value, static_cast<std::size_t>(close - value));
         if (ok) s.cursor = close + 1;
     }
     if (ok) ok = add_attr(attr, s.current);
@@ -612,7 +655,7 @@ bool parse_text(ParseState &s)
     const char *start = s.tokenStart;
     while (start > s.input && start[-1] == ' ') --start;
     const char *end = find_byte(s.tokenStart, s.end, '<');
-    if (end == nullptr || !copy_decoded(start, static_cast<std::size_t>(end - start), &element->value)) return false;
+    if (end == nullptr || !store_value(s, element, start, static_cast<std::size_t>(end - start))) return false;
     if (end[1] == '/') {
         s.cursor = end + 2;
         if (end_tag_matches(s, element)) {
@@ -742,6 +785,7 @@ uint32_t parse_document(const char *text, bool borrowed, XML_Node **out)
     state->end = text + std::strlen(text);
     state->cursor = text;
     state->inputBorrowed = borrowed;
+    state->chunkSize = kChunkSize;
     const uint32_t rc = parse_doc(*state, out);
     XML_Free(state);
     return rc;

@@ -160,7 +160,7 @@ uint32_t format_value(XML_Node *node, uint32_t type, const void *in)
         std::snprintf(text, sizeof text, "%s", number != 0 ? "true" : "false");
     else
         std::snprintf(text, sizeof text, "%lld", number);
-    XML_Free(node->value);
+    drop_string(node, &node->value);
     node->value = XML_Strdup(text);
     return node->value != nullptr ? XML_OK : XML_ERR_NO_MEMORY;
 }

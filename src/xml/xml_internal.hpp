@@ -48,9 +48,10 @@ struct NodeChunk {
 // What follows every node record the library makes: the block holding it
 // (null when the record has a block of its own) and flags.  The parser
 // also stores the node's name, and the prefix split off it, right after
-// this; the flags tell the release and replacement paths not to hand
-// those strings to the free hook.
-enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2 };
+// this, and most values further on in the same block; the flags tell the
+// release and replacement paths not to hand those strings to the free
+// hook.
+enum NodeFlag : unsigned char { kNameInBlock = 1, kPrefixInBlock = 2, kValueInBlock = 4 };
 struct NodeTail {
     NodeChunk *chunk;
     unsigned char flags;
@@ -82,7 +83,8 @@ inline XML_Node *init_node(void *block, uint32_t kind, NodeChunk *chunk)
 void release_chunk(NodeChunk *chunk);
 
 // Releases *field of node (its name, value or prefix) unless it lives in
-// the node's block, and sets it to null.
+// the node's block, and sets it to null.  Every path that replaces or
+// clears a node's string goes through here.
 void drop_string(XML_Node *node, char **field);
 
 // Allocated copy of len bytes plus a terminator; null for len 0 or when
