@@ -129,6 +129,7 @@ TEST_F(FieldLog, ParseCentreNumSwapsDigitsAndAddsPlusOnlyFor86)
     const std::tuple<const char *, int32_t, const char *, const char *> cases[] = {
         {"914421436587F9", 0, "44123456789", ""},
         {"81214365", 0, "123456", ""},
+        {"9168", 0, "+86", ""},
         {"811234567", 0, "2143657", ""},
         {"81123456F", 0, "214365", ""},
         {"81123456789", 0, "214365879", ""},
@@ -230,6 +231,10 @@ TEST_F(FieldLog, DecomposeTimeChecksEachFieldInOrder)
         EXPECT_EQ(msg.wYear, year);
         expect_logged(message);
     }
+    const wms_timestamp ts{};
+    SmsMessageData msg{};
+    EXPECT_EQ(DecomposeReadMsgTime(nullptr, &msg), -1);
+    EXPECT_EQ(DecomposeReadMsgTime(&ts, nullptr), -1);
 }
 
 // The exported steps of ParseSms on their own: a TPDU cut inside its first
