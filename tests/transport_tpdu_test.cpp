@@ -139,6 +139,9 @@ TEST(TpduCodec, NullArgumentsAreRefused)
           wms_ts_decode_status_report(&raw, nullptr), wms_ts_encode_submit(nullptr, &out),
           wms_ts_encode_submit(&s, nullptr), wms_ts_encode_deliver(nullptr, &out), wms_ts_encode_deliver(&d, nullptr)})
         EXPECT_NE(status, WMS_TS_STATUS_OK);
+    // The time stamp codecs answer with the octets they took: none.
+    wms_timestamp t{};
+    EXPECT_EQ(wms_ts_decode_timestamp(nullptr, &t) + wms_ts_decode_timestamp(raw.data, nullptr), 0);
 }
 
 // A refused record leaves the octets before the bad field written, the rest
